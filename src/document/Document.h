@@ -1,0 +1,145 @@
+#pragma once
+
+#include "document/DocumentUpdate.h"
+#include "document/NotebookDataStore.h"
+#include "document/UndoManager.h"
+#include "model/DocumentDiff.h"
+#include "model/NotebookNode.h"
+#include "storage/ImageStore.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace quillery {
+
+class Preferences;
+
+// The in-memory notebook: the tree under the two roots "root" and "deleted", the index from
+// identifier to node, this client's log of records, the undo and redo stacks and the pictures.
+// The tree changes only through applyDiff(); edits, undo, redo and replay all end there.
+// Single-threaded, like the views that show it.
+class Document : public NotebookDataStore {
+public:
+    using Clock = std::function<TimePoint()>;
+    using Observer = std::function<void(const DocumentUpdate&)>;
+    using ObserverId = std::uint64_t;
+
+    // Reads this installation's client identifier from the preferences, or makes and stores one.
+    explicit Document(Preferences& preferences, const PictureCodec* pictureCodec = nullptr,
+                      Clock clock = {});
+    ~Document() override;
+    Document(const Document&) = delete;
+    Document& operator=(const Document&) = delete;
+
+    const Identifier& clientIdentifier() const { return m_clientIdentifier; }
+    TimePoint lastModified() const { return m_lastModified; }
+    TimePoint now() const;
+
+    const NodePtr& rootNode() const { return m_rootNode; }
+    const NodePtr& deletedRootNode() const { return m_deletedRootNode; }
+    std::size_t nodeCount() const { return m_nodeLookup.size(); }
+
+    // The node indexed under the identifier, or null.
+    NodePtr node(const Identifier& identifier) const override;
+    NodePtr notebookNode(const Identifier& identifier) const { return node(identifier); }
+    // Indexes the node itself (not its descendants), replacing what was indexed there.
+    void addLookup(NodePtr node) override;
+    // Either root is an ancestor of every node; a node is never its own ancestor.
+    bool isNode(const NotebookNode& a, const NotebookNode& ancestorOf) const;
+
+    // Replays every record onto the tree with journaling and notifications off, then adopts the
+    // client's own records as the log that saving writes back.
+    void loadData(std::vector<DocumentDiff> mergedDiffs, std::vector<DocumentDiff> clientDiffs);
+    void appendDiff(DocumentDiff diff);
+    // Marks one change done and sets lastModified to now.
+    void touch();
+    // Applies one record to the tree; announces the outcome to the observers when asked.
+    void applyDiff(const DocumentDiff& diff, bool withNotification = false);
+
+    // Edit operations. Each builds one record, journals it with its reverse (when journaling is
+    // on) and applies it with notification.
+    void modify(NotebookNode& node, std::string text) override;
+    // The child is a template: its dictionary form is recorded and a new node is built from it.
+    void add(const NotebookNode& child, const NotebookNode& toNode, long at) override;
+    void move(NotebookNode& child, const NotebookNode& toParentNode, std::optional<std::size_t> at);
+    void move(NotebookNode& child, std::size_t to);
+
+    // The same, each also naming and registering one undo step.
+    void userDidModify(NotebookNode& node, std::string text);
+    void userDidAdd(const NotebookNode& child, const NotebookNode& toNode, long at);
+    void userDidMove(NotebookNode& child, const NotebookNode& toParent,
+                     std::optional<std::size_t> at = std::nullopt);
+    void userDidMove(NotebookNode& child, std::size_t to);
+
+    // The record that takes a forward record back, read off the tree before it is applied.
+    DocumentDiff reverseDiff(const DocumentDiff& forward) const;
+    void registerUndo();
+    void undo();
+    void redo();
+
+    const std::vector<DocumentDiff>& diffs() const { return m_diffs; }
+    const std::vector<DocumentDiff>& undoDiffs() const { return m_undoDiffs; }
+    const std::vector<DocumentDiff>& redoDiffs() const { return m_redoDiffs; }
+    bool journalingEnabled() const { return m_journalingEnabled; }
+
+    // The history the app's Edit menu drives; null while none is attached.
+    UndoManager* undoManager() const { return m_undoManager; }
+    void setUndoManager(UndoManager* undoManager) { m_undoManager = undoManager; }
+
+    // Edits and redos count up, undos count down; the document has unsaved changes while the
+    // count differs from the one recorded at the last save.
+    std::int64_t changeCount() const { return m_changeCount; }
+    bool hasUnsavedChanges() const { return m_changeCount != m_savedChangeCount; }
+    void markSaved() { m_savedChangeCount = m_changeCount; }
+
+    // Observers run synchronously inside applyDiff(), after the tree changed. Removing an
+    // observer is safe at any time, also from inside a callback.
+    ObserverId addObserver(Observer observer);
+    void removeObserver(ObserverId id);
+
+    // Pictures.
+    ImageStore& images() { return m_images; }
+    const ImageStore& images() const { return m_images; }
+    Identifier addImage(PicturePtr image, std::vector<std::uint8_t> originalData,
+                        std::string fileExtension);
+    PicturePtr image(const Identifier& key) const;
+    std::optional<std::filesystem::path> url(const Identifier& imageKey) const;
+
+    // Where the package lives; absent until the document was read from or saved to disk.
+    const std::optional<std::filesystem::path>& fileLocation() const { return m_fileLocation; }
+    void setFileLocation(std::optional<std::filesystem::path> location);
+
+private:
+    struct ObserverEntry {
+        ObserverId id;
+        Observer observer;
+    };
+
+    void announce(const DocumentUpdate& update);
+    void record(DocumentDiff diff);
+
+    Identifier m_clientIdentifier;
+    Clock m_clock;
+    TimePoint m_lastModified;
+    std::vector<DocumentDiff> m_diffs;
+    std::vector<DocumentDiff> m_undoDiffs;
+    std::vector<DocumentDiff> m_redoDiffs;
+    NodePtr m_rootNode;
+    NodePtr m_deletedRootNode;
+    std::unordered_map<Identifier, NodePtr, IdentifierHash> m_nodeLookup;
+    bool m_journalingEnabled = true;
+    ImageStore m_images;
+    std::optional<std::filesystem::path> m_fileLocation;
+    UndoManager* m_undoManager = nullptr;
+    std::int64_t m_changeCount = 0;
+    std::int64_t m_savedChangeCount = 0;
+    std::vector<ObserverEntry> m_observers;
+    ObserverId m_nextObserverId = 1;
+};
+
+} // namespace quillery

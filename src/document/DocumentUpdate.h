@@ -1,0 +1,32 @@
+#pragma once
+
+#include "model/NotebookNode.h"
+
+#include <cstddef>
+#include <optional>
+
+namespace quillery {
+
+enum class NodeUpdateType {
+    changedText,
+    appendedNode, // part of the vocabulary; never announced (an append is an insertion)
+    insertedNode,
+    destroyedNode,
+    movedWithinParent,
+    changedParent,
+};
+
+// What one applied record did. Which optional fields are set depends on the kind:
+//   insertedNode: newChildIndex; destroyedNode: oldChildIndex;
+//   movedWithinParent: both indexes; changedParent: both indexes and both parent identifiers.
+// For the other kinds the parent concerned is the node's own parentIdentifier.
+struct DocumentUpdate {
+    NodeUpdateType type = NodeUpdateType::changedText;
+    NodePtr node; // the live node, already in its new state (detached when destroyed)
+    std::optional<std::size_t> oldChildIndex;
+    std::optional<std::size_t> newChildIndex;
+    std::optional<Identifier> oldParentIdentifier;
+    std::optional<Identifier> newParentIdentifier;
+};
+
+} // namespace quillery

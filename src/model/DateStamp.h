@@ -1,0 +1,19 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quillery {
+
+using TimePoint = std::chrono::system_clock::time_point;
+
+// Stamps read like 2017-03-04T09:15:02GMT: always the zero-offset zone, whole seconds, ASCII
+// digits, Gregorian calendar, whatever the machine's time zone or locale.
+std::string StringFromDate(TimePoint date);
+// Accepts the zone names GMT, UTC and GMT+00:00; anything that does not match the form gives
+// nothing.
+std::optional<TimePoint> DateFromString(std::string_view text);
+
+} // namespace quillery

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "model/Identifier.h"
+#include "model/PlainDictionary.h"
+#include "model/DateStamp.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quillery {
+
+class NotebookNode;
+using NodePtr = std::shared_ptr<NotebookNode>;
+
+// One note: a short text or a picture, with its child notes in display order. A node is shared
+// by its parent's children, the document's index and the views; the document engine keeps the
+// tree invariants, the node itself has no tree operations.
+class NotebookNode {
+public:
+    NotebookNode(Identifier identifier, Identifier parentIdentifier, std::string text,
+                 std::optional<Identifier> imageIdentifier = std::nullopt,
+                 std::vector<NodePtr> children = {}, std::optional<std::string> url = std::nullopt);
+
+    // A new note with a fresh random identifier.
+    static NodePtr create(Identifier parentIdentifier, std::string text,
+                          std::optional<Identifier> imageIdentifier = std::nullopt,
+                          std::optional<std::string> url = std::nullopt);
+
+    const Identifier& identifier() const { return m_identifier; }
+    const std::optional<Identifier>& imageIdentifier() const { return m_imageIdentifier; }
+
+    const Identifier& parentIdentifier() const { return m_parentIdentifier; }
+    void setParentIdentifier(Identifier parentIdentifier);
+
+    const std::string& text() const { return m_text; }
+    void setText(std::string text);
+
+    const std::optional<std::string>& url() const { return m_url; }
+    void setUrl(std::optional<std::string> url);
+
+    const std::vector<NodePtr>& children() const { return m_children; }
+    std::vector<NodePtr>& children() { return m_children; }
+
+    // True for a text note whose text is exactly empty; children and address don't count.
+    bool isEmpty() const;
+
+private:
+    Identifier m_identifier;
+    std::optional<Identifier> m_imageIdentifier;
+    Identifier m_parentIdentifier;
+    std::string m_text;
+    std::optional<std::string> m_url;
+    std::vector<NodePtr> m_children;
+};
+
+// The node's dictionary form: "identifier", "text", "parent", and "image" and "url" when present.
+PlainDictionary PlainDictionaryFromNotebookNode(const NotebookNode& node);
+// Rebuilds a node from a dictionary that has "text" and "parent" texts; the identifier comes from
+// the caller (the record), never from the dictionary.
+NodePtr NotebookNodeFromPlainDictionary(const Identifier& identifier, TimePoint timestamp,
+                                        const PlainDictionary& dictionary);
+
+} // namespace quillery
