@@ -1,0 +1,50 @@
+#pragma once
+
+#include "model/NotebookNode.h"
+
+#include <QString>
+#include <Qt>
+
+#include <optional>
+
+class QMimeData;
+
+namespace quillery {
+
+class Document;
+
+// The MIME type under which a dragged note's identifier travels between columns.
+inline constexpr char kNodeDragAndDropDataType[] = "application/x-quillery-NodeDragAndDropDataType";
+
+// Where a drop lands in a column: on a row (into that note) or above a row (between rows; the
+// row may equal the row count, meaning after the last row).
+enum class DropPosition { On, Above };
+
+// Decides and performs drops onto one column: notes dragged from any column, pictures, picture
+// files and addresses from other applications. Every accepted drop is one document edit; the
+// column changes only when the document's notification arrives.
+class ColumnDropHandler {
+public:
+    explicit ColumnDropHandler(Document& document);
+
+    // The drag payload for a note of a column (only that one note travels).
+    static QMimeData* mimeDataForNode(const NotebookNode& node);
+
+    // Qt::MoveAction for a note that may go there, Qt::CopyAction for pictures and addresses,
+    // Qt::IgnoreAction when the drop is refused.
+    Qt::DropAction validateDrop(const NodePtr& representedNode, const QMimeData& data, int row,
+                                DropPosition position) const;
+
+    struct Outcome {
+        bool accepted = false;
+        // A note made from a dropped web address, to be opened in the editor on the next turn.
+        NodePtr noteToEdit;
+    };
+    Outcome acceptDrop(const NodePtr& representedNode, const QMimeData& data, int row,
+                       DropPosition position);
+
+private:
+    Document& m_document;
+};
+
+} // namespace quillery

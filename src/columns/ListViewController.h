@@ -1,0 +1,58 @@
+#pragma once
+
+#include "columns/EditNodeViewControllerDelegate.h"
+#include "model/NotebookNode.h"
+
+#include <QWidget>
+
+namespace quillery {
+
+class Document;
+class ListViewControllerDelegate;
+
+// One column: the children of one note as a list, the "No sub-notes yet" label and the add
+// button. It turns keys, clicks and drops into the document's edit operations and follows the
+// document's change notifications one row operation at a time.
+class ListViewController : public QWidget, public EditNodeViewControllerDelegate {
+    Q_OBJECT
+
+public:
+    explicit ListViewController(Document* document, QWidget* parent = nullptr);
+    ~ListViewController() override;
+
+    Document* document() const;
+
+    const NodePtr& representedNode() const;
+    void setRepresentedNode(NodePtr node);
+    int nodeDepth() const;
+    void setNodeDepth(int depth);
+    ListViewControllerDelegate* delegate() const;
+    void setDelegate(ListViewControllerDelegate* delegate);
+    // False while the navigation shows the editor: the list and button are disabled and the
+    // unselected rows drawn dimmed.
+    bool isColumnEnabled() const;
+    void setColumnEnabled(bool enabled);
+
+    void reloadData();
+    // Takes the keyboard focus (the list, selecting row 0 when nothing is selected, or the add
+    // button of an empty column) and scrolls the column into view.
+    void makeFirstResponder();
+    void reloadVisibleRows(bool andHeights = false);
+
+    // The Note menu's commands; they act on this column.
+    void didTapAddNode();
+    void didTapAddNodeBeneath();
+    void didTapEditNode();
+
+    void editNodeViewControllerDidUpdateText(EditNodeViewController& editor,
+                                             const std::string& text,
+                                             const NodePtr& node) override;
+    void editNodeViewControllerDidCancelEditing(EditNodeViewController& editor,
+                                                const NodePtr& node) override;
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace quillery
