@@ -2,10 +2,13 @@
 
 #include "model/NotebookNode.h"
 
+#include <QByteArray>
+#include <QImage>
 #include <QString>
 #include <Qt>
 
 #include <optional>
+#include <string>
 
 class QMimeData;
 
@@ -42,6 +45,15 @@ public:
     };
     Outcome acceptDrop(const NodePtr& representedNode, const QMimeData& data, int row,
                        DropPosition position);
+
+    // Edit > Paste into a column: a picture or an address on the clipboard does what dropping it
+    // after the column's last row does. Notes on the clipboard and plain text are not pasted.
+    bool canPaste(const NodePtr& representedNode, const QMimeData& data) const;
+    Outcome paste(const NodePtr& representedNode, const QMimeData& data);
+
+    // Stores the picture and adds a picture note for it to the parent at the index.
+    void addNode(const NotebookNode& toParent, const QImage& image, const QByteArray& originalData,
+                 std::optional<std::string> url, const QString& fileExtension, long at);
 
 private:
     Document& m_document;

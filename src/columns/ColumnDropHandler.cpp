@@ -1,0 +1,262 @@
+#include "columns/ColumnDropHandler.h"
+
+#include "columns/ImageAndDataFromPasteBoard.h"
+#include "columns/QtPicture.h"
+#include "document/Diagnostics.h"
+#include "document/Document.h"
+
+#include <QFile>
+#include <QMimeData>
+#include <QStringDecoder>
+#include <QUrl>
+
+#include <memory>
+
+namespace quillery {
+
+namespace {
+
+const QString kNodeType = QString::fromLatin1(kNodeDragAndDropDataType);
+
+// The identifier a dragged note carries; none when the data is missing or is not UTF-8 text, in
+// which case the drop is judged as a picture or an address instead.
+std::optional<Identifier> draggedIdentifier(const QMimeData& data) {
+    if (!data.hasFormat(kNodeType))
+        return std::nullopt;
+    const QByteArray bytes = data.data(kNodeType);
+    if (bytes.isEmpty())
+        return std::nullopt;
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    const QString text = decoder.decode(bytes);
+    if (decoder.hasError() || text.isEmpty())
+        return std::nullopt;
+    return Identifier(bytes.toStdString());
+}
+
+std::optional<QUrl> droppedUrl(const QMimeData& data) {
+    if (!data.hasUrls())
+        return std::nullopt;
+    const QList<QUrl> urls = data.urls();
+    if (urls.isEmpty() || !urls.first().isValid() || urls.first().isEmpty())
+        return std::nullopt;
+    return urls.first();
+}
+
+std::string absoluteString(const QUrl& url) {
+    return url.toString(QUrl::FullyEncoded).toStdString();
+}
+
+// The row of the column's child with this identifier, or -1.
+int rowOf(const NotebookNode& column, const Identifier& identifier) {
+    const auto& children = column.children();
+    for (std::size_t row = 0; row < children.size(); ++row) {
+        if (children[row]->identifier() == identifier)
+            return static_cast<int>(row);
+    }
+    return -1;
+}
+
+int rowCount(const NotebookNode& column) {
+    return static_cast<int>(column.children().size());
+}
+
+bool isRow(const NotebookNode& column, int row) {
+    return row >= 0 && row < rowCount(column);
+}
+
+// Where a picture dropped at (row, position) goes: inside the row's note, after its children, or
+// into the column before the row.
+struct Place {
+    NodePtr parent;
+    long index = 0;
+};
+
+std::optional<Place> pictureDropPlace(const NodePtr& representedNode, int row,
+                                      DropPosition position) {
+    if (position == DropPosition::On) {
+        if (!isRow(*representedNode, row))
+            return std::nullopt;
+        const NodePtr& target = representedNode->children()[static_cast<std::size_t>(row)];
+        return Place{target, static_cast<long>(target->children().size())};
+    }
+    if (row < 0 || row > rowCount(*representedNode))
+        return std::nullopt;
+    return Place{representedNode, row};
+}
+
+// A picture file keeps its bytes; the extension comes from its address, else from what the
+// picture can be written as.
+QString fileExtensionForPictureFile(const QUrl& url, const QImage& image) {
+    const QString address = url.toString(QUrl::FullyEncoded).toLower();
+    if (address.contains(QStringLiteral(".png")))
+        return QStringLiteral("png");
+    if (address.contains(QStringLiteral(".jpeg")) || address.contains(QStringLiteral(".jpg")))
+        return QStringLiteral("jpg");
+    if (auto encoded = EncodedPicture(image))
+        return encoded->fileExtension;
+    return QStringLiteral("tiff");
+}
+
+} // namespace
+
+ColumnDropHandler::ColumnDropHandler(Document& document)
+    : m_document(document) {
+}
+
+QMimeData* ColumnDropHandler::mimeDataForNode(const NotebookNode& node) {
+    auto* data = new QMimeData;
+    data->setData(kNodeType, QByteArray::fromStdString(node.identifier().toString()));
+    return data;
+}
+
+Qt::DropAction ColumnDropHandler::validateDrop(const NodePtr& representedNode,
+                                               const QMimeData& data, int row,
+                                               DropPosition position) const {
+    if (!representedNode || data.formats().isEmpty())
+        return Qt::IgnoreAction;
+    const NotebookNode& column = *representedNode;
+
+    if (auto identifier = draggedIdentifier(data)) {
+        const int draggedRow = rowOf(column, *identifier);
+        if (draggedRow >= 0) {
+            if (position == DropPosition::On)
+                return row != draggedRow && isRow(column, row) ? Qt::MoveAction : Qt::IgnoreAction;
+            if (row == draggedRow || row == draggedRow + 1 || row < 0 || row > rowCount(column))
+                return Qt::IgnoreAction;
+            return Qt::MoveAction;
+        }
+        const NodePtr dragged = m_document.notebookNode(*identifier);
+        if (!dragged)
+            return Qt::IgnoreAction;
+        if (position == DropPosition::On) {
+            if (!isRow(column, row))
+                return Qt::IgnoreAction;
+            const NotebookNode& target = *column.children()[static_cast<std::size_t>(row)];
+            if (m_document.isNode(*dragged, target) ||
+                target.identifier() == dragged->parentIdentifier())
+                return Qt::IgnoreAction;
+            return Qt::MoveAction;
+        }
+        if (dragged == representedNode || row < 0)
+            return Qt::IgnoreAction;
+        const NotebookNode& below =
+            row < rowCount(column) ? *column.children()[static_cast<std::size_t>(row)] : column;
+        return m_document.isNode(*dragged, below) ? Qt::IgnoreAction : Qt::MoveAction;
+    }
+
+    if (HasPictureType(data))
+        return Qt::CopyAction;
+    if (droppedUrl(data))
+        return Qt::CopyAction;
+    return Qt::IgnoreAction;
+}
+
+ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& representedNode,
+                                                         const QMimeData& data, int row,
+                                                         DropPosition position) {
+    if (!representedNode || data.formats().isEmpty())
+        return {};
+    NotebookNode& column = *representedNode;
+
+    if (auto identifier = draggedIdentifier(data)) {
+        const int draggedRow = rowOf(column, *identifier);
+        if (draggedRow >= 0) {
+            NotebookNode& dragged = *column.children()[static_cast<std::size_t>(draggedRow)];
+            if (position == DropPosition::On && row != draggedRow && isRow(column, row)) {
+                const NodePtr target = column.children()[static_cast<std::size_t>(row)];
+                m_document.userDidMove(dragged, *target);
+                return {true, nullptr};
+            }
+            if (position == DropPosition::Above && row != draggedRow && row != draggedRow + 1 &&
+                row >= 0 && row <= rowCount(column)) {
+                m_document.userDidMove(dragged, static_cast<std::size_t>(row));
+                return {true, nullptr};
+            }
+            return {};
+        }
+        const NodePtr dragged = m_document.notebookNode(*identifier);
+        if (!dragged)
+            return {};
+        if (position == DropPosition::On) {
+            if (!isRow(column, row))
+                return {};
+            const NodePtr target = column.children()[static_cast<std::size_t>(row)];
+            if (m_document.isNode(*dragged, *target))
+                return {};
+            m_document.userDidMove(*dragged, *target);
+            return {true, nullptr};
+        }
+        if (dragged == representedNode || row < 0 || m_document.isNode(*dragged, column))
+            return {};
+        std::optional<std::size_t> index;
+        if (row < rowCount(column))
+            index = static_cast<std::size_t>(row);
+        m_document.userDidMove(*dragged, column, index);
+        return {true, nullptr};
+    }
+
+    if (HasPictureType(data)) {
+        const auto picture = ImageAndDataFromPasteBoard(data);
+        const auto place = pictureDropPlace(representedNode, row, position);
+        if (!picture || !place)
+            return {};
+        std::optional<std::string> url;
+        if (auto address = droppedUrl(data); address && !address->isLocalFile())
+            url = absoluteString(*address);
+        addNode(*place->parent, picture->image, picture->imageData, url, picture->fileExtension,
+                place->index);
+        return {true, nullptr};
+    }
+
+    const auto address = droppedUrl(data);
+    if (!address)
+        return {};
+    if (address->isLocalFile()) {
+        QFile file(address->toLocalFile());
+        if (!file.open(QIODevice::ReadOnly)) {
+            diagnostics::writeLine("Couldn't load data at url " + absoluteString(*address) +
+                                   "... just load string");
+        } else {
+            const QByteArray bytes = file.readAll();
+            QImage image;
+            if (!bytes.isEmpty() && image.loadFromData(bytes)) {
+                const auto place = pictureDropPlace(representedNode, row, position);
+                if (!place)
+                    return {};
+                addNode(*place->parent, image, bytes, std::nullopt,
+                        fileExtensionForPictureFile(*address, image), place->index);
+                return {true, nullptr};
+            }
+        }
+    }
+
+    const NodePtr note =
+        NotebookNode::create(column.identifier(), absoluteString(*address) + "\n\n");
+    m_document.userDidAdd(*note, column, static_cast<long>(column.children().size()));
+    return {true, m_document.notebookNode(note->identifier())};
+}
+
+bool ColumnDropHandler::canPaste(const NodePtr& representedNode, const QMimeData& data) const {
+    return representedNode && validateDrop(representedNode, data, rowCount(*representedNode),
+                                           DropPosition::Above) == Qt::CopyAction;
+}
+
+ColumnDropHandler::Outcome ColumnDropHandler::paste(const NodePtr& representedNode,
+                                                    const QMimeData& data) {
+    if (!canPaste(representedNode, data))
+        return {};
+    return acceptDrop(representedNode, data, rowCount(*representedNode), DropPosition::Above);
+}
+
+void ColumnDropHandler::addNode(const NotebookNode& toParent, const QImage& image,
+                                const QByteArray& originalData, std::optional<std::string> url,
+                                const QString& fileExtension, long at) {
+    std::vector<std::uint8_t> bytes(originalData.begin(), originalData.end());
+    const Identifier key = m_document.addImage(std::make_shared<QtPicture>(image), std::move(bytes),
+                                               fileExtension.toStdString());
+    const NodePtr note =
+        NotebookNode::create(toParent.identifier(), std::string(), key, std::move(url));
+    m_document.userDidAdd(*note, toParent, at);
+}
+
+} // namespace quillery

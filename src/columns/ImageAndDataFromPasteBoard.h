@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+class QMimeData;
+
+namespace quillery {
+
+// A picture taken from dropped or pasted data: the decoded picture, the bytes to store and the
+// file extension ("jpg", "png" or "tiff") to store them under.
+struct PasteboardPicture {
+    QImage image;
+    QByteArray imageData;
+    QString fileExtension;
+};
+
+// The picture formats a column takes, in the order they are tried: TIFF, PNG, Qt's own image
+// (what the platform offers for any other picture format) and then every other picture type Qt
+// can read.
+QStringList PictureMimeTypes(const QMimeData& data);
+
+// True when the data offers a picture in any of the types above (nothing is decoded).
+bool HasPictureType(const QMimeData& data);
+
+// The first picture that decodes, re-encoded as JPEG (else PNG, else TIFF), so a picture dragged
+// from another application is normally stored as JPEG. None when no type holds a picture.
+std::optional<PasteboardPicture> ImageAndDataFromPasteBoard(const QMimeData& data);
+
+// The picture encoded in the first of JPEG, PNG and TIFF that works, with its extension; none
+// when no encoder works (for example a null image).
+std::optional<PasteboardPicture> EncodedPicture(const QImage& image);
+
+} // namespace quillery
