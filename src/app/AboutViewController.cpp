@@ -1,0 +1,116 @@
+#include "app/AboutViewController.h"
+
+#include "app/AppDelegate.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QDialogButtonBox>
+#include <QEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QStyle>
+#include <QVBoxLayout>
+
+namespace quillery {
+
+namespace {
+
+QPushButton* makeLinkButton(QWidget* parent, const QString& text, const QString& objectName) {
+    auto* button = new QPushButton(text, parent);
+    button->setObjectName(objectName);
+    button->setFlat(true);
+    button->setCursor(Qt::PointingHandCursor);
+    button->setAutoDefault(false);
+    return button;
+}
+
+void styleLink(QPushButton& button, bool underlined) {
+    QFont font = button.font();
+    font.setUnderline(underlined);
+    button.setFont(font);
+    QPalette palette = button.palette();
+    const QColor link = palette.color(QPalette::Link);
+    palette.setColor(QPalette::ButtonText, link);
+    palette.setColor(QPalette::WindowText, link);
+    button.setPalette(palette);
+}
+
+} // namespace
+
+AboutViewController::AboutViewController(QWidget* parent)
+    : QDialog(parent)
+    , m_versionLabel(new QLabel(this))
+    , m_siteLinkButton(
+          makeLinkButton(this, AppDelegate::siteUrl().toString(), QStringLiteral("siteLinkButton")))
+    , m_socialLinkButton(makeLinkButton(this, QStringLiteral("@") + AppDelegate::socialHandle(),
+                                        QStringLiteral("socialLinkButton")))
+    , m_urlOpener([](const QUrl& url) { return QDesktopServices::openUrl(url); }) {
+    setObjectName(QStringLiteral("AboutViewController"));
+    setWindowTitle(tr("About Quillery"));
+
+    auto* icon = new QLabel(this);
+    const int iconSize = style()->pixelMetric(QStyle::PM_LargeIconSize) * 2;
+    icon->setPixmap(QApplication::windowIcon().pixmap(iconSize));
+    icon->setAlignment(Qt::AlignCenter);
+
+    auto* name = new QLabel(QStringLiteral("Quillery"), this);
+    QFont nameFont = name->font();
+    nameFont.setBold(true);
+    nameFont.setPointSizeF(nameFont.pointSizeF() * 1.5);
+    name->setFont(nameFont);
+    name->setAlignment(Qt::AlignCenter);
+
+    m_versionLabel->setObjectName(QStringLiteral("versionLabel"));
+    m_versionLabel->setText(versionText(AppDelegate::version(), AppDelegate::buildNumber()));
+    m_versionLabel->setAlignment(Qt::AlignCenter);
+    m_versionLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+    m_siteLinkButton->setAccessibleName(tr("Open the Quillery web site"));
+    m_socialLinkButton->setAccessibleName(tr("Open Quillery's social-network page"));
+    styleLinks();
+
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(icon);
+    layout->addWidget(name);
+    layout->addWidget(m_versionLabel);
+    layout->addWidget(m_siteLinkButton, 0, Qt::AlignHCenter);
+    layout->addWidget(m_socialLinkButton, 0, Qt::AlignHCenter);
+    layout->addWidget(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+
+    connect(m_siteLinkButton, &QPushButton::clicked, this, &AboutViewController::didTapSiteLink);
+    connect(m_socialLinkButton, &QPushButton::clicked, this,
+            &AboutViewController::didTapSocialLink);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+}
+
+void AboutViewController::setUrlOpener(UrlOpener opener) {
+    m_urlOpener = std::move(opener);
+}
+
+QString AboutViewController::versionText(const QString& version, const QString& build) {
+    return tr("Version %1 (%2)").arg(version, build);
+}
+
+void AboutViewController::didTapSiteLink() {
+    m_urlOpener(AppDelegate::siteUrl());
+}
+
+void AboutViewController::didTapSocialLink() {
+    m_urlOpener(AppDelegate::socialUrl());
+}
+
+void AboutViewController::styleLinks() {
+    styleLink(*m_siteLinkButton, true);
+    styleLink(*m_socialLinkButton, false);
+}
+
+void AboutViewController::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationPaletteChange)
+        styleLinks();
+}
+
+} // namespace quillery

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QDialog>
+#include <QUrl>
+
+#include <functional>
+
+class QLabel;
+class QPushButton;
+
+namespace quillery {
+
+// The About panel: the version line, the product's site and the maker's social-network handle,
+// both as links that open in the default browser.
+class AboutViewController : public QDialog {
+    Q_OBJECT
+
+public:
+    using UrlOpener = std::function<bool(const QUrl&)>;
+
+    explicit AboutViewController(QWidget* parent = nullptr);
+
+    void setUrlOpener(UrlOpener opener);
+
+    // "Version VERSION (BUILD)".
+    static QString versionText(const QString& version, const QString& build);
+
+    QLabel* versionLabel() const { return m_versionLabel; }
+    QPushButton* siteLinkButton() const { return m_siteLinkButton; }
+    QPushButton* socialLinkButton() const { return m_socialLinkButton; }
+
+    void didTapSiteLink();
+    void didTapSocialLink();
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    // The links take the palette's link colour, so they follow light and dark themes.
+    void styleLinks();
+
+    QLabel* m_versionLabel;
+    QPushButton* m_siteLinkButton;
+    QPushButton* m_socialLinkButton;
+    UrlOpener m_urlOpener;
+};
+
+} // namespace quillery

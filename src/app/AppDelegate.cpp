@@ -1,0 +1,102 @@
+#include "app/AppDelegate.h"
+
+#include "app/AboutViewController.h"
+#include "app/AppConfig.h"
+#include "columns/ListViewController.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QPointer>
+
+namespace quillery {
+
+AppDelegate::AppDelegate(QObject* parent)
+    : QObject(parent)
+    , m_urlOpener([](const QUrl& url) { return QDesktopServices::openUrl(url); }) {
+}
+
+void AppDelegate::setUrlOpener(UrlOpener opener) {
+    m_urlOpener = std::move(opener);
+}
+
+void AppDelegate::setNewDocumentHandler(NewDocumentHandler handler) {
+    m_newDocument = std::move(handler);
+}
+
+ListViewController* AppDelegate::columnContaining(QWidget* widget) {
+    for (; widget; widget = widget->parentWidget()) {
+        if (auto* column = qobject_cast<ListViewController*>(widget))
+            return column;
+    }
+    return nullptr;
+}
+
+void AppDelegate::didTapAddNode() {
+    if (auto* column = columnContaining(QApplication::focusWidget());
+        column && column->isColumnEnabled()) {
+        column->didTapAddNode();
+        return;
+    }
+    if (m_newDocument)
+        m_newDocument();
+}
+
+// Whether a program took the address is not reported; there is nothing the user could do.
+void AppDelegate::showHelp() {
+    m_urlOpener(helpUrl());
+}
+
+void AppDelegate::didTapSendFeedback() {
+    m_urlOpener(QUrl(
+        feedbackMailAddress(QString::fromUtf8(config::kFeedbackEmail), version(), buildNumber())));
+}
+
+void AppDelegate::didTapSendFeedbackViaSocialNetwork() {
+    m_urlOpener(socialUrl());
+}
+
+void AppDelegate::showAbout(QWidget* parent) {
+    if (!m_about) {
+        auto* about = new AboutViewController(parent);
+        about->setUrlOpener(m_urlOpener);
+        about->setAttribute(Qt::WA_DeleteOnClose);
+        connect(about, &QObject::destroyed, this, [this] { m_about = nullptr; });
+        m_about = about;
+    }
+    m_about->show();
+    m_about->raise();
+    m_about->activateWindow();
+}
+
+QString AppDelegate::version() {
+    return QString::fromUtf8(config::kVersion);
+}
+
+QString AppDelegate::buildNumber() {
+    return QString::fromUtf8(config::kBuildNumber);
+}
+
+QUrl AppDelegate::helpUrl() {
+    return QUrl(QString::fromUtf8(config::kHelpUrl));
+}
+
+QUrl AppDelegate::siteUrl() {
+    return QUrl(QString::fromUtf8(config::kSiteUrl));
+}
+
+QUrl AppDelegate::socialUrl() {
+    return QUrl(QString::fromUtf8(config::kSocialUrl));
+}
+
+QString AppDelegate::socialHandle() {
+    return QString::fromUtf8(config::kSocialHandle);
+}
+
+QString AppDelegate::feedbackMailAddress(const QString& email, const QString& version,
+                                         const QString& build) {
+    return QStringLiteral("mailto:") + email + QStringLiteral("?subject=") +
+           QStringLiteral("Feedback%20on%20Quillery%20Linux%20") + version +
+           QStringLiteral("%20(") + build + QStringLiteral(")");
+}
+
+} // namespace quillery
