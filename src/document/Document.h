@@ -87,7 +87,8 @@ public:
     const std::vector<DocumentDiff>& redoDiffs() const { return m_redoDiffs; }
     bool journalingEnabled() const { return m_journalingEnabled; }
 
-    // The history the app's Edit menu drives; null while none is attached.
+    // The history the app's Edit menu drives; null while none is attached. Its steps call back
+    // into this document: clear it (removeAllActions) or drop it before the document goes.
     UndoManager* undoManager() const { return m_undoManager; }
     void setUndoManager(UndoManager* undoManager) { m_undoManager = undoManager; }
 
@@ -120,8 +121,23 @@ private:
         Observer observer;
     };
 
+    struct ChangeOutcome;
+
     void announce(const DocumentUpdate& update);
+    // Journals the record with its reverse when journaling is on, then applies it with
+    // notification.
     void record(DocumentDiff diff);
+    void registerUserStep(const char* actionName);
+    // Whether the candidate is the ancestor itself or lies in its subtree.
+    bool liesWithin(const NotebookNode& candidate, const Identifier& ancestor) const;
+    std::optional<DocumentUpdate> applyCreation(const DocumentDiff& diff);
+    std::optional<DocumentUpdate> applyDestroy(const NodePtr& target);
+    std::optional<DocumentUpdate> applyChange(const NodePtr& target,
+                                              const PlainDictionary& payload);
+    void reorder(NotebookNode& target, const std::string& key, const PlainValue& value,
+                 ChangeOutcome& outcome);
+    void reparent(const NodePtr& target, const PlainValue& value, const PlainDictionary& payload,
+                  ChangeOutcome& outcome);
 
     Identifier m_clientIdentifier;
     Clock m_clock;
@@ -140,6 +156,8 @@ private:
     std::int64_t m_savedChangeCount = 0;
     std::vector<ObserverEntry> m_observers;
     ObserverId m_nextObserverId = 1;
+    int m_announcing = 0; // nesting depth of announce(); removals wait until it is back to 0
+    bool m_lastEditJournaled = false;
 };
 
 } // namespace quillery

@@ -15,7 +15,8 @@ public:
     using Action = std::function<void()>;
 
     void registerUndo(Action action);
-    // Names the step registered last (or the one about to be registered in the same edit).
+    // Names the next step registered outside undo and redo (an edit sets the name, then
+    // registers). Steps registered while undoing or redoing carry the name of the step that runs.
     void setActionName(std::string name);
 
     bool canUndo() const;
@@ -42,6 +43,8 @@ private:
 
     std::vector<Step> m_undoSteps;
     std::vector<Step> m_redoSteps;
+    std::string m_pendingName;
+    std::string m_runningName;
     bool m_undoing = false;
     bool m_redoing = false;
     std::function<void()> m_listener;

@@ -30,6 +30,7 @@ struct DocumentDiff {
 // "identifier" is not a text. The payload is everything else.
 std::optional<DocumentDiff> DocumentDiffFromJsonDictionary(PlainDictionary dictionary);
 // Reads a journal's "diffs"; one bad record writes "Bad diff." and rejects the whole list.
-std::optional<std::vector<DocumentDiff>> DiffsFromPlainDiffs(std::vector<PlainDictionary> plainDiffs);
+std::optional<std::vector<DocumentDiff>>
+DiffsFromPlainDiffs(std::vector<PlainDictionary> plainDiffs);
 
 } // namespace quillery

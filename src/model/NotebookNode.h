@@ -1,8 +1,8 @@
 #pragma once
 
+#include "model/DateStamp.h"
 #include "model/Identifier.h"
 #include "model/PlainDictionary.h"
-#include "model/DateStamp.h"
 
 #include <memory>
 #include <optional>

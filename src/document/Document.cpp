@@ -1,0 +1,157 @@
+#include "document/Document.h"
+
+#include "document/Preferences.h"
+
+#include <algorithm>
+
+namespace quillery {
+
+namespace {
+
+bool isRootIdentifier(const Identifier& identifier) {
+    return identifier == std::string_view("root") || identifier == std::string_view("deleted");
+}
+
+} // namespace
+
+Document::Document(Preferences& preferences, const PictureCodec* pictureCodec, Clock clock)
+    : m_clock(clock ? std::move(clock) : Clock([] { return std::chrono::system_clock::now(); }))
+    , m_lastModified(now())
+    , m_images(pictureCodec) {
+    if (std::optional<std::string> stored = preferences.string(kClientIdentifierKey)) {
+        m_clientIdentifier = Identifier(*stored);
+    } else {
+        m_clientIdentifier = Identifier::makeRandom();
+        preferences.setString(kClientIdentifierKey, m_clientIdentifier.toString());
+        preferences.synchronize();
+    }
+    m_rootNode = std::make_shared<NotebookNode>(Identifier("root"), Identifier("none"), "");
+    m_deletedRootNode =
+        std::make_shared<NotebookNode>(Identifier("deleted"), Identifier("none"), "");
+    addLookup(m_rootNode);
+    addLookup(m_deletedRootNode);
+}
+
+Document::~Document() = default;
+
+TimePoint Document::now() const {
+    return m_clock();
+}
+
+NodePtr Document::node(const Identifier& identifier) const {
+    auto found = m_nodeLookup.find(identifier);
+    return found == m_nodeLookup.end() ? nullptr : found->second;
+}
+
+void Document::addLookup(NodePtr node) {
+    Identifier identifier = node->identifier();
+    m_nodeLookup.insert_or_assign(std::move(identifier), std::move(node));
+}
+
+bool Document::isNode(const NotebookNode& a, const NotebookNode& ancestorOf) const {
+    const NotebookNode& b = ancestorOf;
+    if (isRootIdentifier(a.identifier()))
+        return true;
+    if (isRootIdentifier(b.identifier()))
+        return false;
+    if (b.parentIdentifier() == a.identifier())
+        return true;
+    // A chain longer than the index has met a cycle, which a journal from elsewhere can contain;
+    // the walk gives up rather than hang.
+    const NotebookNode* current = &b;
+    for (std::size_t steps = 0; steps <= m_nodeLookup.size(); ++steps) {
+        const Identifier& parent = current->parentIdentifier();
+        if (isRootIdentifier(parent) || parent == a.identifier())
+            return parent == a.identifier();
+        auto found = m_nodeLookup.find(parent);
+        if (found == m_nodeLookup.end())
+            return false;
+        current = found->second.get();
+    }
+    return false;
+}
+
+bool Document::liesWithin(const NotebookNode& candidate, const Identifier& ancestor) const {
+    const NotebookNode* current = &candidate;
+    for (std::size_t steps = 0; steps <= m_nodeLookup.size(); ++steps) {
+        if (current->identifier() == ancestor)
+            return true;
+        if (isRootIdentifier(current->identifier()))
+            return false;
+        auto found = m_nodeLookup.find(current->parentIdentifier());
+        if (found == m_nodeLookup.end())
+            return false;
+        current = found->second.get();
+    }
+    return false;
+}
+
+void Document::loadData(std::vector<DocumentDiff> mergedDiffs,
+                        std::vector<DocumentDiff> clientDiffs) {
+    m_journalingEnabled = false;
+    for (const DocumentDiff& diff : mergedDiffs)
+        applyDiff(diff, false);
+    m_journalingEnabled = true;
+    m_diffs = std::move(clientDiffs);
+}
+
+void Document::appendDiff(DocumentDiff diff) {
+    m_diffs.push_back(std::move(diff));
+    touch();
+}
+
+void Document::touch() {
+    ++m_changeCount;
+    m_lastModified = now();
+}
+
+Document::ObserverId Document::addObserver(Observer observer) {
+    ObserverId id = m_nextObserverId++;
+    m_observers.push_back({id, std::move(observer)});
+    return id;
+}
+
+void Document::removeObserver(ObserverId id) {
+    auto found = std::find_if(m_observers.begin(), m_observers.end(),
+                              [id](const ObserverEntry& entry) { return entry.id == id; });
+    if (found == m_observers.end())
+        return;
+    if (m_announcing > 0)
+        found->observer = nullptr; // erased once the running announcement is over
+    else
+        m_observers.erase(found);
+}
+
+void Document::announce(const DocumentUpdate& update) {
+    ++m_announcing;
+    // Observers added during this announcement start with the next one.
+    const std::size_t count = m_observers.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!m_observers[i].observer)
+            continue;
+        // A copy, because the callback may add observers and so move the stored one.
+        Observer observer = m_observers[i].observer;
+        observer(update);
+    }
+    if (--m_announcing == 0)
+        std::erase_if(m_observers, [](const ObserverEntry& entry) { return !entry.observer; });
+}
+
+Identifier Document::addImage(PicturePtr image, std::vector<std::uint8_t> originalData,
+                              std::string fileExtension) {
+    return m_images.addImage(std::move(image), std::move(originalData), std::move(fileExtension));
+}
+
+PicturePtr Document::image(const Identifier& key) const {
+    return m_images.image(key);
+}
+
+std::optional<std::filesystem::path> Document::url(const Identifier& imageKey) const {
+    return m_images.url(imageKey, m_fileLocation);
+}
+
+void Document::setFileLocation(std::optional<std::filesystem::path> location) {
+    m_fileLocation = std::move(location);
+}
+
+} // namespace quillery

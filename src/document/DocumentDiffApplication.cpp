@@ -1,0 +1,216 @@
+// Document::applyDiff(): how each record form changes the tree, and what it announces.
+#include "document/Diagnostics.h"
+#include "document/Document.h"
+
+namespace quillery {
+
+namespace {
+
+constexpr std::string_view kCouldNotFindParent =
+    "Couldn't find parent! All nodes must have a parent.";
+
+bool isRoot(const NotebookNode& node) {
+    return node.identifier() == std::string_view("root") ||
+           node.identifier() == std::string_view("deleted");
+}
+
+std::optional<std::size_t> indexOfChild(const NotebookNode& parent, const Identifier& identifier) {
+    const auto& children = parent.children();
+    for (std::size_t i = 0; i < children.size(); ++i)
+        if (children[i]->identifier() == identifier)
+            return i;
+    return std::nullopt;
+}
+
+// Where a node goes among the children when "before" may name one of them: there, or at the end.
+std::size_t placementIndex(const NotebookNode& parent, const PlainDictionary& payload) {
+    if (const PlainValue* before = payload.find("before"); before && before->isText())
+        if (auto index = indexOfChild(parent, *before->identifier()))
+            return *index;
+    return parent.children().size();
+}
+
+void insertChild(NotebookNode& parent, std::size_t index, NodePtr child) {
+    auto& children = parent.children();
+    children.insert(children.begin() + static_cast<std::ptrdiff_t>(index), std::move(child));
+}
+
+void eraseChild(NotebookNode& parent, std::size_t index) {
+    auto& children = parent.children();
+    children.erase(children.begin() + static_cast<std::ptrdiff_t>(index));
+}
+
+} // namespace
+
+// What a change record did to positions, gathered over its keys.
+struct Document::ChangeOutcome {
+    std::optional<std::size_t> oldIndex;
+    std::optional<std::size_t> newIndex;
+    std::optional<Identifier> oldParent;
+    std::optional<Identifier> newParent;
+};
+
+void Document::applyDiff(const DocumentDiff& diff, bool withNotification) {
+    std::optional<DocumentUpdate> update;
+    if (NodePtr existing = node(diff.identifier)) {
+        const PlainValue* destroy = diff.payload.find("destroy");
+        std::optional<bool> destroyFlag = destroy ? destroy->boolValue() : std::nullopt;
+        if (!destroyFlag)
+            update = applyChange(existing, diff.payload);
+        else if (*destroyFlag)
+            update = applyDestroy(existing);
+    } else {
+        update = applyCreation(diff);
+    }
+    if (update && withNotification)
+        announce(*update);
+}
+
+std::optional<DocumentUpdate> Document::applyCreation(const DocumentDiff& diff) {
+    NodePtr created =
+        NotebookNodeFromPlainDictionary(diff.identifier, diff.timestamp, diff.payload);
+    if (!created)
+        return std::nullopt;
+    NodePtr parent = node(created->parentIdentifier());
+    if (!parent) {
+        diagnostics::writeLine(kCouldNotFindParent);
+        return std::nullopt;
+    }
+    const std::size_t index = placementIndex(*parent, diff.payload);
+    insertChild(*parent, index, created);
+    addLookup(created);
+    if (created->imageIdentifier())
+        m_images.bringBack(*created->imageIdentifier());
+    return DocumentUpdate{NodeUpdateType::insertedNode,
+                          std::move(created),
+                          std::nullopt,
+                          index,
+                          std::nullopt,
+                          std::nullopt};
+}
+
+std::optional<DocumentUpdate> Document::applyDestroy(const NodePtr& target) {
+    diagnostics::writeLine("Removing node...");
+    // The two roots stay for the life of the document, whatever a journal says.
+    if (isRoot(*target))
+        return std::nullopt;
+    NodePtr parent = node(target->parentIdentifier());
+    std::optional<std::size_t> index =
+        parent ? indexOfChild(*parent, target->identifier()) : std::nullopt;
+    if (index)
+        eraseChild(*parent, *index);
+    m_nodeLookup.erase(target->identifier());
+    if (target->imageIdentifier())
+        m_images.holdAside(*target->imageIdentifier());
+    // A node that stood in no child list was shown nowhere, so there is nothing to announce.
+    if (!index)
+        return std::nullopt;
+    return DocumentUpdate{
+        NodeUpdateType::destroyedNode, target, index, std::nullopt, std::nullopt, std::nullopt};
+}
+
+std::optional<DocumentUpdate> Document::applyChange(const NodePtr& target,
+                                                    const PlainDictionary& payload) {
+    ChangeOutcome outcome;
+    const bool reparents = payload.contains("parent");
+    for (const auto& [key, value] : payload) {
+        if (key == "timestamp" || key == "identifier") {
+            continue;
+        } else if (key == "text") {
+            if (value.isText())
+                target->setText(*value.text());
+            else
+                diagnostics::writeLine("Bad text.");
+        } else if (key == "before" || key == "after") {
+            // With "parent", "before" places the node in its new parent, and "after" (never
+            // written by this system) is ignored.
+            if (!reparents)
+                reorder(*target, key, value, outcome);
+        } else if (key == "parent") {
+            reparent(target, value, payload, outcome);
+        } else {
+            diagnostics::writeLine("Unrecognized diff");
+        }
+    }
+    DocumentUpdate update{NodeUpdateType::changedText,
+                          target,
+                          std::nullopt,
+                          std::nullopt,
+                          std::nullopt,
+                          std::nullopt};
+    if (outcome.oldIndex && outcome.newIndex) {
+        update.oldChildIndex = outcome.oldIndex;
+        update.newChildIndex = outcome.newIndex;
+        if (outcome.oldParent && outcome.newParent) {
+            update.type = NodeUpdateType::changedParent;
+            update.oldParentIdentifier = std::move(outcome.oldParent);
+            update.newParentIdentifier = std::move(outcome.newParent);
+        } else {
+            update.type = NodeUpdateType::movedWithinParent;
+        }
+    }
+    return update;
+}
+
+void Document::reorder(NotebookNode& target, const std::string& key, const PlainValue& value,
+                       ChangeOutcome& outcome) {
+    if (!value.isText())
+        return;
+    NodePtr parent = node(target.parentIdentifier());
+    if (!parent)
+        return;
+    std::optional<std::size_t> index = indexOfChild(*parent, target.identifier());
+    if (!index)
+        return;
+    NodePtr moving = parent->children()[*index];
+    eraseChild(*parent, *index);
+    outcome.oldIndex = index;
+    const Identifier sibling = *value.identifier();
+    std::size_t insertAt = parent->children().size();
+    if (auto siblingIndex = indexOfChild(*parent, sibling)) {
+        insertAt = key == "before" ? *siblingIndex : *siblingIndex + 1;
+    } else {
+        std::string line = "Uh-oh: did move ";
+        line += key;
+        line += " but siblingIdentifier is not found here ";
+        sibling.appendTo(line);
+        diagnostics::writeLine(line);
+    }
+    insertChild(*parent, insertAt, std::move(moving));
+    outcome.newIndex = insertAt;
+}
+
+void Document::reparent(const NodePtr& target, const PlainValue& value,
+                        const PlainDictionary& payload, ChangeOutcome& outcome) {
+    if (!value.isText())
+        return;
+    const Identifier newParentIdentifier = *value.identifier();
+    // The roots never move, whatever a journal says.
+    if (isRoot(*target))
+        return;
+    // Checked before anything moves, so that a refused move leaves the node where it was and the
+    // tree whole: two machines that moved two notes into each other must not cut a branch off.
+    NodePtr destination = node(newParentIdentifier);
+    if (!destination) {
+        diagnostics::writeLine(kCouldNotFindParent);
+        return;
+    }
+    if (liesWithin(*destination, target->identifier())) {
+        diagnostics::writeLine("Refusing to move a note into itself.");
+        return;
+    }
+    if (NodePtr source = node(target->parentIdentifier())) {
+        outcome.oldParent = source->identifier();
+        if (auto index = indexOfChild(*source, target->identifier())) {
+            eraseChild(*source, *index);
+            outcome.oldIndex = index;
+        }
+    }
+    target->setParentIdentifier(newParentIdentifier);
+    const std::size_t insertAt = placementIndex(*destination, payload);
+    insertChild(*destination, insertAt, target);
+    outcome.newIndex = insertAt;
+    outcome.newParent = destination->identifier();
+}
+
+} // namespace quillery

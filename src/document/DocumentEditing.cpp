@@ -1,0 +1,199 @@
+// Document's edit operations, reverse records, undo and redo.
+#include "document/Document.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace quillery {
+
+namespace {
+
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+// A caller broke an operation's precondition; going on would record a wrong history.
+[[noreturn]] void programmingError(const char* what) {
+    std::fprintf(stderr, "Quillery: programming error: %s\n", what);
+    std::abort();
+}
+
+std::optional<std::size_t> indexOfChild(const NotebookNode& parent, const Identifier& identifier) {
+    const auto& children = parent.children();
+    for (std::size_t i = 0; i < children.size(); ++i)
+        if (children[i]->identifier() == identifier)
+            return i;
+    return std::nullopt;
+}
+
+// Restores journaling when an undo ends, also when an observer throws.
+class JournalingPause {
+public:
+    explicit JournalingPause(bool& enabled)
+        : m_enabled(enabled) {
+        m_enabled = false;
+    }
+    ~JournalingPause() { m_enabled = true; }
+    JournalingPause(const JournalingPause&) = delete;
+    JournalingPause& operator=(const JournalingPause&) = delete;
+
+private:
+    bool& m_enabled;
+};
+
+} // namespace
+
+void Document::record(DocumentDiff diff) {
+    m_lastEditJournaled = false;
+    if (m_journalingEnabled) {
+        // The reverse is read off the tree as it is before the change.
+        DocumentDiff reverse = reverseDiff(diff);
+        appendDiff(diff);
+        m_undoDiffs.push_back(std::move(reverse));
+        m_lastEditJournaled = true;
+    }
+    applyDiff(diff, true);
+}
+
+void Document::modify(NotebookNode& node, std::string text) {
+    PlainDictionary payload;
+    payload.set("text", std::move(text));
+    record(DocumentDiff(now(), node.identifier(), std::move(payload)));
+}
+
+void Document::add(const NotebookNode& child, const NotebookNode& toNode, long at) {
+    PlainDictionary payload = PlainDictionaryFromNotebookNode(child);
+    const auto& siblings = toNode.children();
+    if (at >= 0 && static_cast<std::size_t>(at) < siblings.size())
+        payload.set("before", siblings[static_cast<std::size_t>(at)]->identifier());
+    record(DocumentDiff(now(), child.identifier(), std::move(payload)));
+}
+
+void Document::move(NotebookNode& child, const NotebookNode& toParentNode,
+                    std::optional<std::size_t> at) {
+    const auto& siblings = toParentNode.children();
+    if (at && *at >= siblings.size())
+        programmingError("move(child:toParentNode:at:) index beyond the new parent's children");
+    PlainDictionary payload;
+    payload.set("parent", toParentNode.identifier());
+    if (at)
+        payload.set("before", siblings[*at]->identifier());
+    record(DocumentDiff(now(), child.identifier(), std::move(payload)));
+}
+
+void Document::move(NotebookNode& child, std::size_t to) {
+    m_lastEditJournaled = false;
+    NodePtr parent = node(child.parentIdentifier());
+    if (!parent || parent->children().empty())
+        return;
+    const auto& siblings = parent->children();
+    PlainDictionary payload;
+    if (to < siblings.size())
+        payload.set("before", siblings[to]->identifier());
+    else
+        payload.set("after", siblings.back()->identifier());
+    record(DocumentDiff(now(), child.identifier(), std::move(payload)));
+}
+
+void Document::userDidModify(NotebookNode& node, std::string text) {
+    modify(node, std::move(text));
+    registerUserStep("Edit Text");
+}
+
+void Document::userDidAdd(const NotebookNode& child, const NotebookNode& toNode, long at) {
+    add(child, toNode, at);
+    registerUserStep("Add Note");
+}
+
+void Document::userDidMove(NotebookNode& child, const NotebookNode& toParent,
+                           std::optional<std::size_t> at) {
+    move(child, toParent, at);
+    registerUserStep(toParent.identifier() == std::string_view("deleted") ? "Delete Note"
+                                                                          : "Move Note");
+}
+
+void Document::userDidMove(NotebookNode& child, std::size_t to) {
+    move(child, to);
+    registerUserStep("Reorder Note");
+}
+
+void Document::registerUserStep(const char* actionName) {
+    // An edit that was not journaled (none was made, or an observer edited during an undo) has
+    // no reverse on the stack, so an undo step for it would undo something else.
+    if (!m_lastEditJournaled || !m_undoManager)
+        return;
+    m_undoManager->setActionName(actionName);
+    registerUndo();
+}
+
+DocumentDiff Document::reverseDiff(const DocumentDiff& forward) const {
+    const PlainDictionary& payload = forward.payload;
+    PlainDictionary reverse;
+    NodePtr target = node(forward.identifier);
+    if (!target) {
+        if (!payload.contains("text") || !payload.contains("parent"))
+            programmingError("reverseDiff: a creation without text and parent");
+        reverse.set("destroy", true);
+        return DocumentDiff(now(), forward.identifier, std::move(reverse));
+    }
+    const PlainValue* text = payload.find("text");
+    const PlainValue* newParent = payload.find("parent");
+    if (payload.size() == 1 && text && text->isText()) {
+        reverse.set("text", target->text());
+        return DocumentDiff(now(), forward.identifier, std::move(reverse));
+    }
+    const bool isReparent = newParent && newParent->isText();
+    if (!isReparent && !payload.contains("before") && !payload.contains("after"))
+        programmingError("reverseDiff: a record form that has no reverse");
+    if (isReparent && !node(*newParent->identifier()))
+        programmingError("reverseDiff: a move to a parent that is not in the tree");
+    NodePtr parent = node(target->parentIdentifier());
+    const std::size_t index =
+        parent ? indexOfChild(*parent, target->identifier()).value_or(kNone) : kNone;
+    if (index == kNone)
+        programmingError("reverseDiff: a move of a node that is not in the tree");
+    const auto& siblings = parent->children();
+    if (isReparent)
+        reverse.set("parent", parent->identifier());
+    if (index + 1 < siblings.size())
+        reverse.set("before", siblings[index + 1]->identifier());
+    else if (!isReparent)
+        reverse.set("after", siblings.back()->identifier());
+    return DocumentDiff(now(), forward.identifier, std::move(reverse));
+}
+
+void Document::registerUndo() {
+    if (m_undoManager)
+        m_undoManager->registerUndo([this] { undo(); });
+}
+
+void Document::undo() {
+    if (m_undoDiffs.empty())
+        return;
+    DocumentDiff reverse = std::move(m_undoDiffs.back());
+    m_undoDiffs.pop_back();
+    {
+        JournalingPause pause(m_journalingEnabled);
+        applyDiff(reverse, true);
+    }
+    if (!m_diffs.empty()) {
+        m_redoDiffs.push_back(std::move(m_diffs.back()));
+        m_diffs.pop_back();
+    }
+    --m_changeCount;
+    if (m_undoManager)
+        m_undoManager->registerUndo([this] { redo(); });
+}
+
+void Document::redo() {
+    if (m_redoDiffs.empty())
+        return;
+    DocumentDiff forward = std::move(m_redoDiffs.back());
+    m_redoDiffs.pop_back();
+    if (m_journalingEnabled) {
+        m_undoDiffs.push_back(reverseDiff(forward));
+        appendDiff(forward);
+    }
+    applyDiff(forward, true);
+    registerUndo();
+}
+
+} // namespace quillery

@@ -1,0 +1,70 @@
+#include "model/NotebookNode.h"
+
+namespace quillery {
+
+NotebookNode::NotebookNode(Identifier identifier, Identifier parentIdentifier, std::string text,
+                           std::optional<Identifier> imageIdentifier, std::vector<NodePtr> children,
+                           std::optional<std::string> url)
+    : m_identifier(std::move(identifier))
+    , m_imageIdentifier(std::move(imageIdentifier))
+    , m_parentIdentifier(std::move(parentIdentifier))
+    , m_text(std::move(text))
+    , m_url(std::move(url))
+    , m_children(std::move(children)) {
+}
+
+NodePtr NotebookNode::create(Identifier parentIdentifier, std::string text,
+                             std::optional<Identifier> imageIdentifier,
+                             std::optional<std::string> url) {
+    return std::make_shared<NotebookNode>(Identifier::makeRandom(), std::move(parentIdentifier),
+                                          std::move(text), std::move(imageIdentifier),
+                                          std::vector<NodePtr>{}, std::move(url));
+}
+
+void NotebookNode::setParentIdentifier(Identifier parentIdentifier) {
+    m_parentIdentifier = std::move(parentIdentifier);
+}
+
+void NotebookNode::setText(std::string text) {
+    m_text = std::move(text);
+}
+
+void NotebookNode::setUrl(std::optional<std::string> url) {
+    m_url = std::move(url);
+}
+
+bool NotebookNode::isEmpty() const {
+    return !m_imageIdentifier && m_text.empty();
+}
+
+PlainDictionary PlainDictionaryFromNotebookNode(const NotebookNode& node) {
+    PlainDictionary dictionary;
+    dictionary.set("identifier", node.identifier());
+    dictionary.set("text", node.text());
+    dictionary.set("parent", node.parentIdentifier());
+    if (node.imageIdentifier())
+        dictionary.set("image", *node.imageIdentifier());
+    if (node.url())
+        dictionary.set("url", *node.url());
+    return dictionary;
+}
+
+NodePtr NotebookNodeFromPlainDictionary(const Identifier& identifier, TimePoint /*timestamp*/,
+                                        const PlainDictionary& dictionary) {
+    const PlainValue* text = dictionary.find("text");
+    if (!text || !text->isText())
+        return nullptr;
+    const PlainValue* parent = dictionary.find("parent");
+    if (!parent || !parent->isText())
+        return nullptr;
+    std::optional<Identifier> image;
+    if (const PlainValue* value = dictionary.find("image"))
+        image = value->identifier();
+    std::optional<std::string> url;
+    if (const PlainValue* value = dictionary.find("url"))
+        url = value->text();
+    return std::make_shared<NotebookNode>(identifier, *parent->identifier(), *text->text(), image,
+                                          std::vector<NodePtr>{}, std::move(url));
+}
+
+} // namespace quillery
