@@ -1,14 +1,151 @@
 #include "cli/StyleCommand.h"
 
+#include "markdown/MarkdownStyler.h"
+
+#include <cstdio>
+#include <istream>
+#include <iterator>
 #include <ostream>
+#include <string_view>
 
 namespace quillery::cli {
 
-int runStyleCommand(const std::vector<std::string>&, std::istream&, std::ostream&,
-                    std::ostream& err)
-{
-    err << "quillery-cli style: not available in this build\n";
-    return 2;
+namespace {
+
+constexpr std::string_view kUsage =
+    "Usage: quillery-cli style < NOTE.txt\n"
+    "\n"
+    "Reads a note's text from standard input and prints its styled runs as a JSON array, in\n"
+    "order. A text run is {\"text\": ..., \"line\": \"h1\"...\"h6\" or \"body\", \"style\":\n"
+    "\"none\", \"italic\", \"bold\", \"code\" or \"link\"}, with \"link\": ... when it carries a\n"
+    "target; a line terminator is {\"newline\": true}. Bytes that are not UTF-8 read as U+FFFD.\n"
+    "\n"
+    "Options:\n"
+    "  -h, --help  show this text\n";
+
+std::string_view lineTypeName(LineType type) {
+    switch (type) {
+    case LineType::h1:
+        return "h1";
+    case LineType::h2:
+        return "h2";
+    case LineType::h3:
+        return "h3";
+    case LineType::h4:
+        return "h4";
+    case LineType::h5:
+        return "h5";
+    case LineType::h6:
+        return "h6";
+    case LineType::body:
+        break;
+    }
+    return "body";
+}
+
+std::string_view styleName(LineStyle style) {
+    switch (style) {
+    case LineStyle::italic:
+        return "italic";
+    case LineStyle::bold:
+        return "bold";
+    case LineStyle::code:
+        return "code";
+    case LineStyle::link:
+        return "link";
+    case LineStyle::none:
+        break;
+    }
+    return "none";
+}
+
+// Writes `text` (well-formed UTF-8, as every run is) as a JSON string. Non-ASCII characters pass
+// through as UTF-8; control characters are escaped.
+void writeJsonString(std::ostream& out, std::string_view text) {
+    out << '"';
+    for (const char c : text) {
+        switch (c) {
+        case '"':
+            out << "\\\"";
+            break;
+        case '\\':
+            out << "\\\\";
+            break;
+        case '\n':
+            out << "\\n";
+            break;
+        case '\r':
+            out << "\\r";
+            break;
+        case '\t':
+            out << "\\t";
+            break;
+        case '\b':
+            out << "\\b";
+            break;
+        case '\f':
+            out << "\\f";
+            break;
+        default:
+            if (static_cast<unsigned char>(c) < 0x20) {
+                char escaped[8];
+                std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned char>(c));
+                out << escaped;
+            } else {
+                out << c;
+            }
+        }
+    }
+    out << '"';
+}
+
+void writeRun(std::ostream& out, const StyledRun& run) {
+    if (run.isLineTerminator) {
+        out << "{\"newline\": true}";
+        return;
+    }
+    out << "{\"text\": ";
+    writeJsonString(out, run.text);
+    out << ", \"line\": \"" << lineTypeName(run.lineType) << "\", \"style\": \""
+        << styleName(run.style) << '"';
+    if (run.link) {
+        out << ", \"link\": ";
+        writeJsonString(out, *run.link);
+    }
+    out << '}';
+}
+
+} // namespace
+
+int runStyleCommand(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
+                    std::ostream& err) {
+    for (const std::string& argument : arguments) {
+        if (argument == "-h" || argument == "--help") {
+            out << kUsage;
+            return 0;
+        }
+    }
+    if (!arguments.empty()) {
+        err << "quillery-cli style: unknown argument '" << arguments.front() << "'\n" << kUsage;
+        return 2;
+    }
+
+    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    if (in.bad()) {
+        err << "quillery-cli style: could not read standard input\n";
+        return 1;
+    }
+
+    MarkdownStyler styler(text);
+    const std::vector<StyledRun> runs = styler.attributedString();
+    out << "[\n";
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        out << "  ";
+        writeRun(out, runs[i]);
+        out << (i + 1 < runs.size() ? ",\n" : "\n");
+    }
+    out << "]\n";
+    return out ? 0 : 1;
 }
 
 } // namespace quillery::cli
