@@ -3,21 +3,18 @@
 namespace quillery {
 
 ImageStore::ImageStore(const PictureCodec* codec)
-    : m_codec(codec)
-{
+    : m_codec(codec) {
 }
 
 Identifier ImageStore::addImage(PicturePtr image, std::vector<std::uint8_t> originalData,
-                                std::string fileExtension)
-{
+                                std::string fileExtension) {
     Identifier key = Identifier::makeRandom();
     m_imageCache[key] = std::move(image);
     m_newImageData[key] = ImageData{std::move(originalData), std::move(fileExtension)};
     return key;
 }
 
-PicturePtr ImageStore::image(const Identifier& key) const
-{
+PicturePtr ImageStore::image(const Identifier& key) const {
     if (auto found = m_imageCache.find(key); found != m_imageCache.end())
         return found->second;
     return m_codec ? m_codec->placeholder() : nullptr;
@@ -25,8 +22,7 @@ PicturePtr ImageStore::image(const Identifier& key) const
 
 std::optional<std::filesystem::path>
 ImageStore::url(const Identifier& key,
-                const std::optional<std::filesystem::path>& packageLocation) const
-{
+                const std::optional<std::filesystem::path>& packageLocation) const {
     if (!packageLocation)
         return std::nullopt;
     auto found = m_imagePathCache.find(key);
@@ -35,20 +31,17 @@ ImageStore::url(const Identifier& key,
     return *packageLocation / "images" / found->second;
 }
 
-void ImageStore::indexStoredPicture(const Identifier& key, PicturePtr image, std::string fileName)
-{
+void ImageStore::indexStoredPicture(const Identifier& key, PicturePtr image, std::string fileName) {
     m_imageCache[key] = std::move(image);
     m_imagePathCache[key] = std::move(fileName);
 }
 
-void ImageStore::holdAside(const Identifier& key)
-{
+void ImageStore::holdAside(const Identifier& key) {
     if (auto entry = m_newImageData.extract(key))
         m_temporarilyDeletedData.insert_or_assign(entry.key(), std::move(entry.mapped()));
 }
 
-void ImageStore::bringBack(const Identifier& key)
-{
+void ImageStore::bringBack(const Identifier& key) {
     if (auto entry = m_temporarilyDeletedData.extract(key))
         m_newImageData.insert_or_assign(entry.key(), std::move(entry.mapped()));
 }

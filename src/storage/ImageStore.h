@@ -44,12 +44,10 @@ public:
     void bringBack(const Identifier& key);
 
     const std::map<Identifier, ImageData>& newImageData() const { return m_newImageData; }
-    const std::map<Identifier, ImageData>& temporarilyDeletedData() const
-    {
+    const std::map<Identifier, ImageData>& temporarilyDeletedData() const {
         return m_temporarilyDeletedData;
     }
-    const std::unordered_map<Identifier, std::string, IdentifierHash>& imagePathCache() const
-    {
+    const std::unordered_map<Identifier, std::string, IdentifierHash>& imagePathCache() const {
         return m_imagePathCache;
     }
     std::size_t pictureCount() const { return m_imageCache.size(); }

@@ -1,16 +1,23 @@
 #pragma once
 
+#include "model/DocumentDiff.h"
 #include "storage/StorageError.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace quillery {
 
 class Document;
+class FileSystem;
 class PictureCodec;
 
-// Reading and writing notebook packages (NAME.quillery directories).
+// Reading and writing notebook packages (NAME.quillery directories). The format and the rules
+// for packages from elsewhere are in docs/package-format.md.
 namespace package {
 
 // Reads the package into a freshly constructed document: indexes its pictures, parses and merges
@@ -25,6 +32,28 @@ std::optional<StorageError> saveInPlace(Document& document);
 // Writes a complete package at a new location (first save, Save As), carrying over everything of
 // the current package; on success the document's location becomes the new one.
 std::optional<StorageError> saveTo(Document& document, const std::filesystem::path& location);
+
+// What a read found, for tools that report on a package.
+struct JournalSummary {
+    std::string fileName;
+    std::size_t recordCount = 0;
+};
+struct PackageSummary {
+    std::vector<JournalSummary> journals; // in the order they were read
+    std::size_t pictureFiles = 0;         // pictures that decoded
+};
+
+// The same operations over a given file layer (tests inject failures through it).
+std::optional<StorageError> read(Document& document, const std::filesystem::path& location,
+                                 const PictureCodec& codec, FileSystem& files,
+                                 PackageSummary* summary = nullptr);
+std::optional<StorageError> saveInPlace(Document& document, FileSystem& files);
+std::optional<StorageError> saveTo(Document& document, const std::filesystem::path& location,
+                                   FileSystem& files);
+
+// Parses the bytes of one journal file into its records; `journalName` names it in errors.
+std::optional<StorageError> diffsFromData(std::string_view bytes, std::string_view journalName,
+                                          std::vector<DocumentDiff>& diffs);
 
 } // namespace package
 } // namespace quillery

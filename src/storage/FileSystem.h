@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace quillery {
+
+// What a directory entry is in itself: a link is reported as a link, never as its target.
+enum class EntryType { missing, regularFile, directory, symbolicLink, other };
+
+struct DirectoryEntry {
+    std::string name;
+    EntryType type = EntryType::other;
+};
+
+// Spare bytes after the end of every file read, so a JSON parser may read past the end safely.
+inline constexpr std::size_t kFileContentsPadding = 64;
+
+// The bytes of a file, followed by kFileContentsPadding bytes of unspecified value.
+struct FileContents {
+    std::unique_ptr<char[]> data;
+    std::size_t size = 0;
+
+    std::string_view view() const { return {data.get(), size}; }
+};
+
+// A file being written. Nothing is durable before sync() returned without error.
+class WritableFile {
+public:
+    virtual ~WritableFile() = default;
+    virtual std::error_code append(std::string_view bytes) = 0;
+    // Flushes the file's bytes to lasting storage.
+    virtual std::error_code sync() = 0;
+    virtual std::error_code close() = 0;
+};
+
+// The file operations packages are read and written with. Packages come from elsewhere, so no
+// operation follows a symbolic link at the end of the path it is given: links are reported, not
+// opened. The real implementation is PosixFileSystem; tests inject failures through a fake.
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+
+    // missing when nothing is there; links are not followed.
+    virtual EntryType entryType(const std::filesystem::path& path) = 0;
+    // The entries of a directory (without "." and ".."), in no particular order. Fails when the
+    // path is a link.
+    virtual std::error_code listDirectory(const std::filesystem::path& path,
+                                          std::vector<DirectoryEntry>& entries) = 0;
+    // Reads a whole regular file; fails on a link or anything but a regular file.
+    virtual std::error_code readFile(const std::filesystem::path& path, FileContents& contents) = 0;
+    // Creates a new file; fails when anything (also a dangling link) is already there.
+    virtual std::error_code createFile(const std::filesystem::path& path,
+                                       std::unique_ptr<WritableFile>& file) = 0;
+    // Copies a regular file's bytes to a new file and flushes it; fails on a link.
+    virtual std::error_code copyFile(const std::filesystem::path& from,
+                                     const std::filesystem::path& to) = 0;
+    virtual std::error_code createDirectory(const std::filesystem::path& path) = 0;
+    // Replaces whatever file is at `to` in one step.
+    virtual std::error_code rename(const std::filesystem::path& from,
+                                   const std::filesystem::path& to) = 0;
+    // Swaps two entries in one step (both must exist).
+    virtual std::error_code exchange(const std::filesystem::path& a,
+                                     const std::filesystem::path& b) = 0;
+    // Removes a file or a link itself; succeeds when nothing is there.
+    virtual std::error_code removeFile(const std::filesystem::path& path) = 0;
+    // Removes a directory and everything below it without following links.
+    virtual std::error_code removeTree(const std::filesystem::path& path) = 0;
+    // Makes the directory's entries (creations, renames) durable.
+    virtual std::error_code syncDirectory(const std::filesystem::path& path) = 0;
+};
+
+} // namespace quillery

@@ -1,0 +1,213 @@
+#include "storage/JsonWriter.h"
+
+#include <charconv>
+#include <simdjson.h>
+
+namespace quillery {
+
+namespace {
+
+constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD";
+
+// Length of the valid UTF-8 sequence that starts the text, or 0 when it does not start with one.
+std::size_t validSequenceLength(std::string_view text) {
+    auto byte = [&](std::size_t i) {
+        return static_cast<unsigned char>(text[i]);
+    };
+    auto continuation = [&](std::size_t i) {
+        return i < text.size() && (byte(i) & 0xC0) == 0x80;
+    };
+    unsigned char lead = byte(0);
+    if (lead < 0x80)
+        return 1;
+    if (lead >= 0xC2 && lead <= 0xDF)
+        return continuation(1) ? 2 : 0;
+    if (lead >= 0xE0 && lead <= 0xEF) {
+        if (!continuation(1) || !continuation(2))
+            return 0;
+        if ((lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xED && byte(1) > 0x9F))
+            return 0; // overlong form or surrogate
+        return 3;
+    }
+    if (lead >= 0xF0 && lead <= 0xF4) {
+        if (!continuation(1) || !continuation(2) || !continuation(3))
+            return 0;
+        if ((lead == 0xF0 && byte(1) < 0x90) || (lead == 0xF4 && byte(1) > 0x8F))
+            return 0; // overlong form or beyond U+10FFFF
+        return 4;
+    }
+    return 0;
+}
+
+} // namespace
+
+JsonWriter::JsonWriter(std::string& out)
+    : m_out(out) {
+}
+
+void JsonWriter::newLine() {
+    m_out += '\n';
+    m_out.append(2 * m_hasEntries.size(), ' ');
+}
+
+void JsonWriter::beforeValue() {
+    if (m_afterKey) {
+        m_afterKey = false;
+        return;
+    }
+    if (m_hasEntries.empty())
+        return;
+    if (m_hasEntries.back())
+        m_out += ',';
+    m_hasEntries.back() = true;
+    newLine();
+}
+
+void JsonWriter::beginObject() {
+    beforeValue();
+    m_out += '{';
+    m_hasEntries.push_back(false);
+}
+
+void JsonWriter::beginArray() {
+    beforeValue();
+    m_out += '[';
+    m_hasEntries.push_back(false);
+}
+
+void JsonWriter::closeContainer(char bracket) {
+    bool hadEntries = m_hasEntries.back();
+    m_hasEntries.pop_back();
+    if (hadEntries)
+        newLine();
+    m_out += bracket;
+}
+
+void JsonWriter::endObject() {
+    closeContainer('}');
+}
+
+void JsonWriter::endArray() {
+    closeContainer(']');
+}
+
+void JsonWriter::key(std::string_view name) {
+    beforeValue();
+    appendEscaped(name);
+    m_out += " : ";
+    m_afterKey = true;
+}
+
+void JsonWriter::string(std::string_view text) {
+    beforeValue();
+    appendEscaped(text);
+}
+
+void JsonWriter::boolean(bool value) {
+    beforeValue();
+    m_out += value ? "true" : "false";
+}
+
+void JsonWriter::integer(std::int64_t value) {
+    beforeValue();
+    char digits[24];
+    auto end = std::to_chars(std::begin(digits), std::end(digits), value).ptr;
+    m_out.append(digits, end);
+}
+
+void JsonWriter::raw(std::string_view json) {
+    beforeValue();
+    m_out += json;
+}
+
+void JsonWriter::identifier(const Identifier& identifier) {
+    if (!identifier.isUuid()) {
+        string(identifier.toString());
+        return;
+    }
+    beforeValue();
+    m_out += '"';
+    identifier.appendTo(m_out);
+    m_out += '"';
+}
+
+void JsonWriter::value(const PlainValue& value) {
+    if (auto flag = value.boolValue())
+        boolean(*flag);
+    else if (const RawJson* json = value.rawJson())
+        raw(json->text);
+    else if (auto asIdentifier = value.identifier(); asIdentifier && asIdentifier->isUuid())
+        identifier(*asIdentifier);
+    else
+        string(value.text().value_or(std::string()));
+}
+
+void JsonWriter::dictionary(const PlainDictionary& dictionary) {
+    beginObject();
+    for (const auto& [name, entry] : dictionary) {
+        key(name);
+        value(entry);
+    }
+    endObject();
+}
+
+void JsonWriter::appendEscaped(std::string_view text) {
+    static constexpr char kHex[] = "0123456789abcdef";
+    bool valid = simdjson::validate_utf8(text.data(), text.size());
+    m_out += '"';
+    std::size_t runStart = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        auto c = static_cast<unsigned char>(text[i]);
+        if (c >= 0x20 && c != '"' && c != '\\' && (valid || c < 0x80)) {
+            ++i;
+            continue;
+        }
+        m_out.append(text.substr(runStart, i - runStart));
+        if (c >= 0x80) {
+            std::size_t length = validSequenceLength(text.substr(i));
+            if (length == 0) {
+                m_sawInvalidText = true;
+                m_out += kReplacementCharacter;
+                length = 1;
+            } else {
+                m_out.append(text.substr(i, length));
+            }
+            i += length;
+            runStart = i;
+            continue;
+        }
+        switch (c) {
+        case '"':
+            m_out += "\\\"";
+            break;
+        case '\\':
+            m_out += "\\\\";
+            break;
+        case '\n':
+            m_out += "\\n";
+            break;
+        case '\r':
+            m_out += "\\r";
+            break;
+        case '\t':
+            m_out += "\\t";
+            break;
+        case '\b':
+            m_out += "\\b";
+            break;
+        case '\f':
+            m_out += "\\f";
+            break;
+        default:
+            m_out += "\\u00";
+            m_out += kHex[c >> 4];
+            m_out += kHex[c & 0xF];
+        }
+        ++i;
+        runStart = i;
+    }
+    m_out.append(text.substr(runStart));
+    m_out += '"';
+}
+
+} // namespace quillery

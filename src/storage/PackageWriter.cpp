@@ -1,0 +1,291 @@
+#include "storage/PackageWriter.h"
+
+#include "document/Diagnostics.h"
+#include "document/Document.h"
+#include "storage/FileSystem.h"
+#include "storage/PackageLayout.h"
+
+namespace quillery {
+
+namespace {
+
+std::string quoted(const std::filesystem::path& path) {
+    return "“" + path.filename().string() + "”";
+}
+
+StorageError writeError(const std::error_code& error, std::string_view what) {
+    return storage_errors::fromFileError(error, true, what);
+}
+
+// The package the user named may itself be a link; only entries inside it must not be links.
+std::filesystem::path resolvedPackage(const std::filesystem::path& location) {
+    std::error_code error;
+    if (std::filesystem::is_symlink(std::filesystem::symlink_status(location, error))) {
+        auto target = std::filesystem::canonical(location, error);
+        if (!error)
+            return target;
+    }
+    return location;
+}
+
+bool sameLocation(const std::filesystem::path& a, const std::filesystem::path& b) {
+    std::error_code error;
+    return std::filesystem::equivalent(a, b, error) && !error;
+}
+
+} // namespace
+
+PackageWriter::PackageWriter(FileSystem& files)
+    : m_files(files) {
+}
+
+std::set<std::string>
+PackageWriter::listStoredPictures(const std::optional<std::filesystem::path>& package) {
+    std::set<std::string> stored;
+    if (!package)
+        return stored;
+    std::filesystem::path images = *package / package_layout::kImagesDirectory;
+    diagnostics::writeLine("imagesURL = " + images.string());
+    std::vector<DirectoryEntry> entries;
+    if (m_files.listDirectory(resolvedPackage(*package) / package_layout::kImagesDirectory,
+                              entries))
+        return stored;
+    for (const DirectoryEntry& entry : entries) {
+        diagnostics::writeLine((images / entry.name).string());
+        if (entry.type == EntryType::regularFile && !package_layout::isTemporaryName(entry.name))
+            stored.insert(entry.name);
+    }
+    return stored;
+}
+
+void PackageWriter::clearOwnTemporaryFiles(const Identifier& client,
+                                           const std::filesystem::path& directory) {
+    // Left by a save that was stopped part-way. Other clients' temporary files are theirs: they
+    // may be writing them right now.
+    std::vector<DirectoryEntry> entries;
+    if (m_files.listDirectory(directory, entries))
+        return;
+    for (const DirectoryEntry& entry : entries)
+        if (entry.type != EntryType::directory &&
+            package_layout::isOwnTemporaryName(entry.name, client))
+            m_files.removeFile(directory / entry.name);
+}
+
+std::optional<StorageError>
+PackageWriter::writeNewPictures(Document& document, const std::filesystem::path& imagesLocation,
+                                const std::set<std::string>& onDisk, bool throughTemporaryFiles) {
+    bool wrote = false;
+    for (const auto& [key, picture] : document.images().newImageData()) {
+        std::string name = package_layout::pictureFileName(key, picture.fileExtension);
+        if (!package_layout::isPlainFileName(name) || package_layout::isTemporaryName(name))
+            return StorageError{std::string(storage_errors::kCocoaDomain),
+                                storage_errors::kWriteUnknown,
+                                "The picture “" + name + "” can't be saved under that name."};
+        // A file already in the package wins over the copy in memory.
+        if (onDisk.contains(name))
+            continue;
+        std::filesystem::path target = imagesLocation / name;
+        std::filesystem::path path = throughTemporaryFiles
+                                         ? imagesLocation / package_layout::temporaryPictureName(
+                                                                document.clientIdentifier(), name)
+                                         : target;
+        std::string what = "Couldn't write the picture “" + name + "”";
+        std::unique_ptr<WritableFile> file;
+        std::error_code error = m_files.createFile(path, file);
+        if (!error)
+            error = file->append(
+                {reinterpret_cast<const char*>(picture.data.data()), picture.data.size()});
+        if (!error)
+            error = file->sync();
+        if (!error)
+            error = file->close();
+        if (!error && throughTemporaryFiles)
+            error = m_files.rename(path, target);
+        if (error) {
+            file.reset();
+            m_files.removeFile(path);
+            return writeError(error, what);
+        }
+        wrote = true;
+    }
+    if (wrote)
+        if (auto error = m_files.syncDirectory(imagesLocation))
+            return writeError(error, "Couldn't save the pictures");
+    return std::nullopt;
+}
+
+std::optional<StorageError> PackageWriter::writeJournal(Document& document,
+                                                        const std::filesystem::path& path) {
+    std::string what = "Couldn't write the journal “" +
+                       package_layout::journalFileName(document.clientIdentifier()) + "”";
+    m_files.removeFile(path);
+    std::unique_ptr<WritableFile> file;
+    if (auto error = m_files.createFile(path, file))
+        return writeError(error, what);
+    auto result =
+        m_journalWriter.write(*file, document.clientIdentifier(), document.now(), document.diffs());
+    std::error_code error = result.fileError;
+    if (!error && !result.invalidText)
+        error = file->sync();
+    if (!error && !result.invalidText)
+        error = file->close();
+    if (!error && !result.invalidText)
+        return std::nullopt;
+    file.reset();
+    m_files.removeFile(path);
+    if (error)
+        return writeError(error, what);
+    return StorageError{std::string(storage_errors::kCocoaDomain), storage_errors::kUnwritableJson,
+                        what + ": a note's text is not valid UTF-8."};
+}
+
+std::optional<StorageError> PackageWriter::saveInPlace(Document& document) {
+    if (!document.fileLocation())
+        return StorageError{std::string(storage_errors::kCocoaDomain),
+                            storage_errors::kWriteUnknown,
+                            "The notebook has not been saved yet; choose where to save it."};
+    const std::filesystem::path location = *document.fileLocation();
+    const std::filesystem::path package = resolvedPackage(location);
+    EntryType type = m_files.entryType(package);
+    if (type == EntryType::missing)
+        return saveTo(document, location); // moved or deleted meanwhile: write it anew
+    if (type != EntryType::directory)
+        return StorageError{std::string(storage_errors::kCocoaDomain),
+                            storage_errors::kWriteUnknown,
+                            "Couldn't save: " + quoted(location) + " is not a notebook package."};
+
+    const Identifier& client = document.clientIdentifier();
+    const std::filesystem::path images = package / package_layout::kImagesDirectory;
+    std::set<std::string> onDisk = listStoredPictures(location);
+    EntryType imagesType = m_files.entryType(images);
+    if (imagesType == EntryType::missing) {
+        auto error = m_files.createDirectory(images);
+        if (error && m_files.entryType(images) != EntryType::directory)
+            return writeError(error, "Couldn't make the pictures folder in " + quoted(location));
+    } else if (imagesType != EntryType::directory) {
+        return StorageError{std::string(storage_errors::kCocoaDomain),
+                            storage_errors::kWriteUnknown,
+                            "Couldn't save: “images” in " + quoted(location) + " is not a folder."};
+    }
+    clearOwnTemporaryFiles(client, images);
+    clearOwnTemporaryFiles(client, package);
+    if (auto error = writeNewPictures(document, images, onDisk, true))
+        return error;
+
+    diagnostics::writeLine("fileURL = " + location.string());
+    std::vector<DirectoryEntry> entries;
+    if (!m_files.listDirectory(package, entries))
+        for (const DirectoryEntry& entry : entries)
+            diagnostics::writeLine((location / entry.name).string());
+
+    const std::filesystem::path temporary = package / package_layout::temporaryJournalName(client);
+    if (auto error = writeJournal(document, temporary))
+        return error;
+    std::string journalName = package_layout::journalFileName(client);
+    if (auto error = m_files.rename(temporary, package / journalName)) {
+        m_files.removeFile(temporary);
+        return writeError(error, "Couldn't replace the journal “" + journalName + "”");
+    }
+    if (auto error = m_files.syncDirectory(package))
+        return writeError(error, "Couldn't save the notebook " + quoted(location));
+    finishSave(document, true);
+    return std::nullopt;
+}
+
+std::optional<StorageError> PackageWriter::buildPackage(Document& document,
+                                                        const std::filesystem::path& directory) {
+    const auto& current = document.fileLocation();
+    const std::filesystem::path images = directory / package_layout::kImagesDirectory;
+    if (auto error = m_files.createDirectory(images))
+        return writeError(error, "Couldn't make the pictures folder");
+    std::set<std::string> onDisk = listStoredPictures(current);
+    if (auto error = writeNewPictures(document, images, onDisk, false))
+        return error;
+    if (current) {
+        std::filesystem::path from = resolvedPackage(*current) / package_layout::kImagesDirectory;
+        for (const std::string& name : onDisk)
+            if (auto error = m_files.copyFile(from / name, images / name))
+                return writeError(error, "Couldn't carry over the picture “" + name + "”");
+    }
+    if (auto error = writeJournal(
+            document, directory / package_layout::journalFileName(document.clientIdentifier())))
+        return error;
+    if (current)
+        if (auto error = carryOver(document, *current, directory))
+            return error;
+    if (auto error = m_files.syncDirectory(images))
+        return writeError(error, "Couldn't save the pictures");
+    if (auto error = m_files.syncDirectory(directory))
+        return writeError(error, "Couldn't save the notebook");
+    return std::nullopt;
+}
+
+std::optional<StorageError> PackageWriter::carryOver(Document& document,
+                                                     const std::filesystem::path& from,
+                                                     const std::filesystem::path& to) {
+    // Other journals and any other top-level regular file travel byte for byte; a file that
+    // cannot be carried is reported and left out, as are directories and links.
+    diagnostics::writeLine("fileURL = " + from.string());
+    std::vector<DirectoryEntry> entries;
+    if (m_files.listDirectory(resolvedPackage(from), entries))
+        return std::nullopt;
+    std::string ownJournal = package_layout::journalFileName(document.clientIdentifier());
+    for (const DirectoryEntry& entry : entries) {
+        std::filesystem::path source = from / entry.name;
+        diagnostics::writeLine(source.string());
+        if (entry.type != EntryType::regularFile ||
+            entry.name.find(ownJournal) != std::string::npos ||
+            package_layout::isTemporaryName(entry.name))
+            continue;
+        if (m_files.copyFile(resolvedPackage(from) / entry.name, to / entry.name)) {
+            m_files.removeFile(to / entry.name);
+            diagnostics::writeLine("Error fileURL :" + source.string());
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<StorageError> PackageWriter::saveTo(Document& document,
+                                                  const std::filesystem::path& location) {
+    const auto& current = document.fileLocation();
+    if (current && sameLocation(*current, location))
+        return saveInPlace(document);
+    std::filesystem::path parent = location.parent_path();
+    if (parent.empty())
+        parent = ".";
+    const std::filesystem::path building =
+        parent / ("." + location.filename().string() + "." + Identifier::makeRandom().toString() +
+                  std::string(package_layout::kTemporarySuffix));
+    if (auto error = m_files.createDirectory(building))
+        return writeError(error, "Couldn't save the notebook " + quoted(location));
+    if (auto error = buildPackage(document, building)) {
+        m_files.removeTree(building);
+        return error;
+    }
+    // Into place in one step; an existing package is swapped out whole, then removed.
+    bool replacing = m_files.entryType(location) != EntryType::missing;
+    std::error_code error =
+        replacing ? m_files.exchange(building, location) : m_files.rename(building, location);
+    if (error) {
+        m_files.removeTree(building);
+        return writeError(error, "Couldn't save the notebook " + quoted(location));
+    }
+    if (replacing)
+        m_files.removeTree(building);
+    if (auto syncError = m_files.syncDirectory(parent))
+        return writeError(syncError, "Couldn't save the notebook " + quoted(location));
+    bool hadLocation = current.has_value();
+    document.setFileLocation(location);
+    finishSave(document, hadLocation);
+    return std::nullopt;
+}
+
+void PackageWriter::finishSave(Document& document, bool hadLocation) {
+    // The pictures are now files of the package and travel from there. A first save of an
+    // untitled notebook keeps them in memory too; the next save finds them on disk and drops them.
+    if (hadLocation)
+        document.images().forgetNewImageData();
+    document.markSaved();
+}
+
+} // namespace quillery

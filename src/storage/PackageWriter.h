@@ -1,0 +1,50 @@
+#pragma once
+
+#include "storage/JournalWriter.h"
+#include "storage/NotebookPackage.h"
+
+#include <set>
+
+namespace quillery {
+
+class FileSystem;
+
+// Saves a document as a package.
+//
+// In place: new pictures first (each written to a temporary file, flushed and renamed), then this
+// client's journal to a temporary file that no reader takes for a journal, flushed, renamed over
+// the old journal, and the directory flushed. Nothing else in the package is touched, so another
+// client saving into the same package at the same moment loses nothing, and a save that stops
+// part-way leaves the previous journal in place.
+//
+// To a new location: the complete package is built in a hidden directory beside the target
+// (journal, new pictures, and every picture and top-level regular file of the current package
+// carried over byte for byte, links never followed), flushed, then moved into place in one step.
+class PackageWriter {
+public:
+    explicit PackageWriter(FileSystem& files);
+
+    std::optional<StorageError> saveInPlace(Document& document);
+    std::optional<StorageError> saveTo(Document& document, const std::filesystem::path& location);
+
+private:
+    // Lists the current package's pictures, writing the diagnostic lines; empty when there are
+    // none or the package has no location.
+    std::set<std::string> listStoredPictures(const std::optional<std::filesystem::path>& package);
+    std::optional<StorageError> writeNewPictures(Document& document,
+                                                 const std::filesystem::path& imagesLocation,
+                                                 const std::set<std::string>& onDisk,
+                                                 bool throughTemporaryFiles);
+    std::optional<StorageError> writeJournal(Document& document, const std::filesystem::path& path);
+    std::optional<StorageError> carryOver(Document& document, const std::filesystem::path& from,
+                                          const std::filesystem::path& to);
+    std::optional<StorageError> buildPackage(Document& document,
+                                             const std::filesystem::path& directory);
+    void clearOwnTemporaryFiles(const Identifier& client, const std::filesystem::path& directory);
+    void finishSave(Document& document, bool hadLocation);
+
+    FileSystem& m_files;
+    JournalWriter m_journalWriter;
+};
+
+} // namespace quillery
