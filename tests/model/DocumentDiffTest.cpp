@@ -1,0 +1,133 @@
+#include "model/DocumentDiff.h"
+
+#include "document/Diagnostics.h"
+#include "model/JournalMerge.h"
+
+#include <gtest/gtest.h>
+
+namespace quillery {
+namespace {
+
+using namespace std::chrono;
+
+const TimePoint kStamp = sys_days{year{2017} / 3 / 4} + hours{9} + minutes{15} + seconds{2};
+
+TEST(DocumentDiffForm, WritesStampIdentifierAndPayloadAtOneLevel) {
+    const Identifier node = Identifier::makeRandom();
+    DocumentDiff diff(kStamp + milliseconds{700}, node, {{"text", "hi"}, {"parent", "root"}});
+    PlainDictionary written = diff.asPlainDictionary();
+    EXPECT_EQ(written, (PlainDictionary{{"timestamp", "2017-03-04T09:15:02GMT"},
+                                        {"identifier", node},
+                                        {"text", "hi"},
+                                        {"parent", "root"}}));
+}
+
+TEST(DocumentDiffForm, RoundTripDropsPayloadIdentifierAndFractionOfSecond) {
+    const Identifier node = Identifier::makeRandom();
+    DocumentDiff diff(kStamp + milliseconds{700}, node,
+                      {{"identifier", node}, {"text", ""}, {"parent", "root"}});
+    auto read = DocumentDiffFromJsonDictionary(diff.asPlainDictionary());
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->identifier, node);
+    EXPECT_EQ(read->timestamp, kStamp);
+    EXPECT_EQ(read->payload, (PlainDictionary{{"text", ""}, {"parent", "root"}}));
+    EXPECT_TRUE(read->groupIdentifier.isEmpty());
+}
+
+TEST(DocumentDiffForm, PayloadIdentifierWinsWhenWritten) {
+    DocumentDiff diff(kStamp, Identifier("one"), {{"identifier", "other"}});
+    auto read = DocumentDiffFromJsonDictionary(diff.asPlainDictionary());
+    ASSERT_TRUE(read);
+    EXPECT_TRUE(read->identifier == std::string_view("other"));
+    EXPECT_TRUE(read->payload.empty());
+}
+
+TEST(DocumentDiffForm, KeepsUnknownKeysAndOddValuesForTheEngineToJudge) {
+    auto read = DocumentDiffFromJsonDictionary({{"timestamp", "2017-03-04T09:15:02GMT"},
+                                                {"identifier", "x"},
+                                                {"color", RawJson{"[1,2]"}},
+                                                {"destroy", "yes"}});
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->payload, (PlainDictionary{{"color", RawJson{"[1,2]"}}, {"destroy", "yes"}}));
+}
+
+class DiffListReading : public testing::Test {
+protected:
+    std::vector<std::string> m_lines;
+    diagnostics::ScopedSink m_sink{[this](std::string_view line) {
+        m_lines.emplace_back(line);
+    }};
+};
+
+TEST_F(DiffListReading, EmptyListIsAnEmptyListNotAFailure) {
+    auto diffs = DiffsFromPlainDiffs({});
+    ASSERT_TRUE(diffs);
+    EXPECT_TRUE(diffs->empty());
+    EXPECT_TRUE(m_lines.empty());
+}
+
+TEST_F(DiffListReading, KeepsOrderOfGoodRecords) {
+    auto diffs = DiffsFromPlainDiffs(
+        {{{"timestamp", "2017-03-04T09:15:03GMT"}, {"identifier", "b"}},
+         {{"timestamp", "2017-03-04T09:15:02GMT"}, {"identifier", "a"}, {"text", "x"}}});
+    ASSERT_TRUE(diffs);
+    ASSERT_EQ(diffs->size(), 2u);
+    EXPECT_TRUE((*diffs)[0].identifier == std::string_view("b"));
+    EXPECT_TRUE((*diffs)[0].payload.empty());
+    EXPECT_EQ((*diffs)[1].payload, (PlainDictionary{{"text", "x"}}));
+}
+
+class BadRecordInList : public DiffListReading,
+                        public testing::WithParamInterface<PlainDictionary> {};
+
+TEST_P(BadRecordInList, RejectsTheWholeListWithOneLine) {
+    PlainDictionary good{{"timestamp", "2017-03-04T09:15:02GMT"}, {"identifier", "a"}};
+    EXPECT_FALSE(DiffsFromPlainDiffs({good, GetParam(), good}));
+    EXPECT_EQ(m_lines, std::vector<std::string>{"Bad diff."});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    DocumentDiffForm, BadRecordInList,
+    testing::Values(PlainDictionary{{"timestamp", RawJson{"1488618902"}}, {"identifier", "a"}},
+                    PlainDictionary{{"timestamp", "2017-03-04 09:15:02GMT"}, {"identifier", "a"}},
+                    PlainDictionary{{"timestamp", "2017-03-04T09:15:02GMT"}},
+                    PlainDictionary{{"timestamp", "2017-03-04T09:15:02GMT"},
+                                    {"identifier", RawJson{"12"}}},
+                    PlainDictionary{{"identifier", "a"}}));
+
+TEST(JournalMerge, EmptyInputsGiveAnEmptyList) {
+    EXPECT_TRUE(MergedDiffsFromArrayOfDiffs({}).empty());
+    EXPECT_TRUE(MergedDiffsFromArrayOfDiffs({{}, {}}).empty());
+}
+
+std::vector<std::string> namesOf(const std::vector<DocumentDiff>& diffs) {
+    std::vector<std::string> names;
+    for (const auto& diff : diffs)
+        names.push_back(diff.identifier.toString());
+    return names;
+}
+
+TEST(JournalMerge, InterleavesJournalsByTime) {
+    auto at = [](int second, const char* name) {
+        return DocumentDiff(kStamp + seconds{second}, Identifier(name), {});
+    };
+    auto merged = MergedDiffsFromArrayOfDiffs({{at(1, "a1"), at(3, "a3")}, {at(2, "b2")}});
+    EXPECT_EQ(namesOf(merged), (std::vector<std::string>{"a1", "b2", "a3"}));
+    auto sorted = MergedDiffsFromArrayOfDiffs({{at(5, "late"), at(0, "early")}});
+    EXPECT_EQ(namesOf(sorted), (std::vector<std::string>{"early", "late"}));
+}
+
+TEST(JournalMerge, EqualStampsKeepJournalOrderAndDuplicatesSurvive) {
+    auto at = [](int second, const char* name) {
+        return DocumentDiff(kStamp + seconds{second}, Identifier(name), {});
+    };
+    std::vector<DocumentDiff> first;
+    for (const char* name : {"a", "b", "c", "d", "e", "f", "g", "h"})
+        first.push_back(at(1, name));
+    auto merged = MergedDiffsFromArrayOfDiffs({first, {at(1, "x"), at(0, "y")}, {at(1, "a")}});
+    EXPECT_EQ(namesOf(merged),
+              (std::vector<std::string>{"y", "a", "b", "c", "d", "e", "f", "g", "h", "x", "a"}));
+}
+
+} // namespace
+} // namespace quillery

@@ -1,0 +1,68 @@
+#include "model/Identifier.h"
+
+#include <gtest/gtest.h>
+#include <set>
+#include <unordered_set>
+
+namespace quillery {
+namespace {
+
+TEST(Identifier, CanonicalUuidTextIsHeldCompactlyAndReadsBackUnchanged) {
+    const std::string text = "0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF";
+    Identifier identifier(text);
+    EXPECT_TRUE(identifier.isUuid());
+    EXPECT_EQ(identifier.toString(), text);
+    EXPECT_TRUE(identifier == std::string_view(text));
+    EXPECT_EQ(identifier.size(), 36u);
+}
+
+TEST(Identifier, OtherTextsStayTextsAndDifferFromTheirUpperCaseUuid) {
+    Identifier lower("0f1e2d3c-4b5a-4978-8695-a4b3c2d1e0ff");
+    Identifier upper("0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF");
+    EXPECT_FALSE(lower.isUuid());
+    EXPECT_FALSE(lower == upper);
+    EXPECT_TRUE(Identifier("root") == std::string_view("root"));
+    EXPECT_FALSE(Identifier("root") == std::string_view("deleted"));
+    EXPECT_TRUE(Identifier().isEmpty());
+    EXPECT_TRUE(Identifier("") == Identifier());
+}
+
+TEST(Identifier, OrdersAndHashesLikeItsText) {
+    std::vector<std::string> texts = {"root",
+                                      "A0000000-0000-4000-8000-000000000000",
+                                      "9FFFFFFF-FFFF-4FFF-BFFF-FFFFFFFFFFFF",
+                                      "deleted",
+                                      "B",
+                                      "A0000000-0000-4000-8000-000000000001"};
+    std::set<Identifier> identifiers;
+    for (const auto& text : texts)
+        identifiers.insert(Identifier(text));
+    std::set<std::string> sortedTexts(texts.begin(), texts.end());
+    std::vector<std::string> fromIdentifiers;
+    for (const auto& identifier : identifiers)
+        fromIdentifiers.push_back(identifier.toString());
+    EXPECT_EQ(fromIdentifiers, std::vector<std::string>(sortedTexts.begin(), sortedTexts.end()));
+
+    std::unordered_set<Identifier, IdentifierHash> hashed;
+    for (const auto& text : texts)
+        hashed.insert(Identifier(text));
+    for (const auto& text : texts)
+        EXPECT_EQ(hashed.count(Identifier(text)), 1u) << text;
+}
+
+TEST(Identifier, RandomIdentifiersAreVersionFourUpperCaseAndDistinct) {
+    Identifier a = Identifier::makeRandom();
+    Identifier b = Identifier::makeRandom();
+    EXPECT_FALSE(a == b);
+    const std::string text = a.toString();
+    ASSERT_EQ(text.size(), 36u);
+    EXPECT_EQ(text[14], '4');
+    EXPECT_TRUE(Identifier(text) == a);
+    for (char c : text)
+        EXPECT_TRUE(c == '-' || std::isdigit(static_cast<unsigned char>(c)) ||
+                    (c >= 'A' && c <= 'F'))
+            << text;
+}
+
+} // namespace
+} // namespace quillery
