@@ -180,8 +180,10 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
         if (position == DropPosition::On) {
             if (!isRow(column, row))
                 return {};
+            // Refused like in validation, so no drop ever reorders a note by way of its parent.
             const NodePtr target = column.children()[static_cast<std::size_t>(row)];
-            if (m_document.isNode(*dragged, *target))
+            if (m_document.isNode(*dragged, *target) ||
+                target->identifier() == dragged->parentIdentifier())
                 return {};
             m_document.userDidMove(*dragged, *target);
             return {true, nullptr};

@@ -1,0 +1,97 @@
+#include "columns/ImageAndDataFromPasteBoard.h"
+
+#include <QBuffer>
+#include <QMimeData>
+
+#include <gtest/gtest.h>
+
+namespace quillery {
+namespace {
+
+QImage picture(QColor colour) {
+    QImage image(4, 4, QImage::Format_RGB32);
+    image.fill(colour);
+    return image;
+}
+
+QByteArray encoded(const QImage& image, const char* format) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, format);
+    return bytes;
+}
+
+const QString kTiff = QStringLiteral("image/tiff");
+const QString kPng = QStringLiteral("image/png");
+
+TEST(ImageAndDataFromPasteBoard, PrefersTiffToPng) {
+    QMimeData data;
+    data.setData(kPng, encoded(picture(Qt::red), "png"));
+    data.setData(kTiff, encoded(picture(Qt::blue), "tiff"));
+    const auto result = ImageAndDataFromPasteBoard(data);
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->image.pixelColor(0, 0), QColor(Qt::blue));
+}
+
+TEST(ImageAndDataFromPasteBoard, FallsBackToPngWhenTheTiffDoesNotDecode) {
+    QMimeData data;
+    data.setData(kTiff, QByteArray("garbage"));
+    data.setData(kPng, encoded(picture(Qt::red), "png"));
+    const auto result = ImageAndDataFromPasteBoard(data);
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->image.pixelColor(0, 0), QColor(Qt::red));
+}
+
+TEST(ImageAndDataFromPasteBoard, StoresJpegFirst) {
+    QMimeData data;
+    data.setData(kPng, encoded(picture(Qt::red), "png"));
+    const auto result = ImageAndDataFromPasteBoard(data);
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->fileExtension, QStringLiteral("jpg"));
+    EXPECT_TRUE(result->imageData.startsWith("\xFF\xD8"));
+    QImage decoded;
+    EXPECT_TRUE(decoded.loadFromData(result->imageData, "JPEG"));
+    EXPECT_EQ(decoded.size(), QSize(4, 4));
+}
+
+TEST(ImageAndDataFromPasteBoard, TakesAnyPictureQtOffers) {
+    QMimeData image;
+    image.setImageData(picture(Qt::green));
+    EXPECT_TRUE(HasPictureType(image));
+    EXPECT_EQ(ImageAndDataFromPasteBoard(image)->fileExtension, QStringLiteral("jpg"));
+
+    QMimeData bmp;
+    bmp.setData(QStringLiteral("image/bmp"), encoded(picture(Qt::green), "bmp"));
+    EXPECT_TRUE(HasPictureType(bmp));
+    EXPECT_TRUE(ImageAndDataFromPasteBoard(bmp));
+}
+
+TEST(ImageAndDataFromPasteBoard, TriesTiffThenPngThenQtImage) {
+    QMimeData data;
+    data.setImageData(picture(Qt::green));
+    data.setData(kPng, QByteArray("x"));
+    data.setData(kTiff, QByteArray("x"));
+    EXPECT_EQ(PictureMimeTypes(data).mid(0, 3),
+              (QStringList{kTiff, kPng, QStringLiteral("application/x-qt-image")}));
+}
+
+TEST(ImageAndDataFromPasteBoard, GivesNothingWithoutADecodablePicture) {
+    QMimeData text;
+    text.setText(QStringLiteral("words"));
+    EXPECT_FALSE(HasPictureType(text));
+    EXPECT_FALSE(ImageAndDataFromPasteBoard(text));
+
+    QMimeData broken;
+    broken.setData(kPng, QByteArray("\x89PNG broken", 11));
+    broken.setData(kTiff, QByteArray());
+    EXPECT_TRUE(HasPictureType(broken));
+    EXPECT_FALSE(ImageAndDataFromPasteBoard(broken));
+}
+
+TEST(EncodedPicture, GivesNothingForANullPicture) {
+    EXPECT_FALSE(EncodedPicture(QImage()));
+}
+
+} // namespace
+} // namespace quillery
