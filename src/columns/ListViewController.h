@@ -5,14 +5,23 @@
 
 #include <QWidget>
 
+class QLabel;
+
 namespace quillery {
 
+class CustomTableView;
 class Document;
+class EditNodeViewController;
+class HighlightableButton;
 class ListViewControllerDelegate;
+struct ColumnPrompts;
 
 // One column: the children of one note as a list, the "No sub-notes yet" label and the add
 // button. It turns keys, clicks and drops into the document's edit operations and follows the
 // document's change notifications one row operation at a time.
+//
+// The column observes the document from construction until it is destroyed; the document must
+// outlive it.
 class ListViewController : public QWidget, public EditNodeViewControllerDelegate {
     Q_OBJECT
 
@@ -43,12 +52,34 @@ public:
     void didTapAddNode();
     void didTapAddNodeBeneath();
     void didTapEditNode();
+    // Deletes the selected note, asking first unless it is empty.
+    void didTapDeleteNode();
+
+    // The selected row (-1 for none) and its note; selecting runs the selection handling, so
+    // the delegate hears of it.
+    int selectedRow() const;
+    NodePtr selectedNode() const;
+    void selectRow(int row);
+    // The new note being typed, present from an add command until its editor is done.
+    const NodePtr& temporaryNode() const;
+
+    // Replaces the confirmation dialogs and the file opener (tests use their own).
+    void setPrompts(ColumnPrompts prompts);
+
+    CustomTableView* tableView() const;
+    HighlightableButton* addNodeButton() const;
+    QLabel* noEntriesLabel() const;
+
+    QSize sizeHint() const override;
 
     void editNodeViewControllerDidUpdateText(EditNodeViewController& editor,
-                                             const std::string& text,
-                                             const NodePtr& node) override;
+                                             const std::string& text, const NodePtr& node) override;
     void editNodeViewControllerDidCancelEditing(EditNodeViewController& editor,
                                                 const NodePtr& node) override;
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     class Private;

@@ -1,0 +1,22 @@
+#pragma once
+
+class QKeyEvent;
+
+namespace quillery {
+
+// The commands a column answers on the keyboard, whether the key reached it from its list or
+// from its add button.
+enum class ColumnCommand {
+    None, // not the column's key: the focused widget or the window handles it
+    DeleteBackward,
+    InsertNewline,
+    MoveLeft,
+    MoveRight,
+    MoveUp,
+    MoveDown,
+    InsertText, // plain typing, taken and ignored so it never reaches the list's type-ahead search
+};
+
+ColumnCommand columnCommandForKey(const QKeyEvent& event);
+
+} // namespace quillery

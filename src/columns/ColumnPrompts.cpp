@@ -1,0 +1,39 @@
+#include "columns/ColumnPrompts.h"
+
+#include <QDesktopServices>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace quillery {
+
+namespace {
+
+bool askToDelete(QWidget* parent) {
+    QMessageBox box(QMessageBox::Warning, QMessageBox::tr("Are you sure?"),
+                    QMessageBox::tr("Are you sure?"), QMessageBox::NoButton, parent);
+    box.setInformativeText(QMessageBox::tr("You can un-delete this later somehow..."));
+    QPushButton* deleteButton =
+        box.addButton(QMessageBox::tr("Delete"), QMessageBox::DestructiveRole);
+    QPushButton* cancelButton = box.addButton(QMessageBox::tr("Cancel"), QMessageBox::RejectRole);
+    box.setDefaultButton(deleteButton);
+    box.setEscapeButton(cancelButton);
+    box.exec();
+    return box.clickedButton() == deleteButton;
+}
+
+void reportMissingFile(QWidget* parent) {
+    QMessageBox box(QMessageBox::Warning, QMessageBox::tr("File missing"),
+                    QMessageBox::tr("File missing"), QMessageBox::Ok, parent);
+    box.setInformativeText(QMessageBox::tr("Sorry, that image was not found."));
+    box.exec();
+}
+
+} // namespace
+
+ColumnPrompts ColumnPrompts::standard() {
+    return {askToDelete, reportMissingFile, [](const QUrl& url) {
+                QDesktopServices::openUrl(url);
+            }};
+}
+
+} // namespace quillery

@@ -1,0 +1,46 @@
+#include "columns/ColumnStyle.h"
+
+#include <QPalette>
+
+#include <algorithm>
+
+namespace quillery::columnstyle {
+
+QColor toQColor(const Color& color) {
+    return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+                            static_cast<float>(color.blue), static_cast<float>(color.alpha));
+}
+
+bool isDark(const QPalette& palette) {
+    return palette.color(QPalette::Base).lightnessF() < 0.5f;
+}
+
+QColor textColor(const Color& designColor, const QPalette& palette) {
+    if (designColor.red == 0 && designColor.green == 0 && designColor.blue == 0) {
+        QColor text = palette.color(QPalette::Text);
+        text.setAlphaF(static_cast<float>(designColor.alpha));
+        return text;
+    }
+    QColor color = toQColor(designColor);
+    if (isDark(palette)) {
+        float hue = 0;
+        float saturation = 0;
+        float value = 0;
+        float alpha = 0;
+        color.getHsvF(&hue, &saturation, &value, &alpha);
+        color = QColor::fromHsvF(hue, saturation, std::max(value, 0.8f), alpha);
+    }
+    return color;
+}
+
+double qtPointSize(double designPoints) {
+    return designPoints * 72.0 / 96.0;
+}
+
+QFont font(const FontSpec& spec) {
+    QFont result(QString::fromStdString(spec.family));
+    result.setPointSizeF(qtPointSize(spec.pointSize));
+    return result;
+}
+
+} // namespace quillery::columnstyle

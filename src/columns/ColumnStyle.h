@@ -1,0 +1,32 @@
+#pragma once
+
+#include "markdown/Styles.h"
+
+#include <QColor>
+#include <QFont>
+
+class QPalette;
+
+namespace quillery::columnstyle {
+
+QColor toQColor(const Color& color);
+
+// True for palettes whose text background is dark (a dark desktop theme).
+bool isDark(const QPalette& palette);
+
+// The colour to draw note text in. The styling tables were made for black text on white: their
+// black (the colour of every slot left at its default) becomes the palette's text colour, so
+// notes stay readable under dark themes; other colours keep their hue, and under a dark
+// palette are brightened enough to stand out from the dark background.
+QColor textColor(const Color& designColor, const QPalette& palette);
+
+// Sizes in the design are in the original desktop's points, which are logical pixels; Qt points
+// are 1/72 inch, 4/3 of a logical pixel at the standard 96 dpi. Converting keeps the design's
+// proportions and still follows the desktop's font DPI setting.
+double qtPointSize(double designPoints);
+
+// The font of a family and design size; a missing family falls back through fontconfig to a
+// close face at the same size.
+QFont font(const FontSpec& spec);
+
+} // namespace quillery::columnstyle

@@ -1,0 +1,110 @@
+#include "columns/ColumnUpdater.h"
+
+#include "columns/CustomTableView.h"
+#include "columns/NodeListModel.h"
+#include "columns/NodeRowDelegate.h"
+#include "document/Document.h"
+
+namespace quillery {
+
+namespace {
+
+int toRow(std::size_t index) {
+    return static_cast<int>(index);
+}
+
+} // namespace
+
+ColumnUpdater::ColumnUpdater(const Document& document, NodeListModel& model, CustomTableView& view,
+                             NodeRowDelegate& rows)
+    : m_document(document)
+    , m_model(model)
+    , m_view(view)
+    , m_rows(rows) {
+}
+
+bool ColumnUpdater::isParentOf(const DocumentUpdate& update) const {
+    return update.node->parentIdentifier() == m_model.representedNode()->identifier();
+}
+
+void ColumnUpdater::apply(const DocumentUpdate& update) {
+    const NodePtr& represented = m_model.representedNode();
+    if (!represented || !update.node)
+        return;
+    switch (update.type) {
+    case NodeUpdateType::changedText:
+        if (isParentOf(update)) {
+            const int row = m_model.rowShowing(update.node->identifier());
+            if (row >= 0) {
+                m_rows.invalidate(update.node->identifier());
+                m_model.refreshRow(row);
+                emit m_rows.sizeHintChanged(m_model.index(row));
+            }
+        }
+        break;
+    case NodeUpdateType::appendedNode:
+    case NodeUpdateType::insertedNode:
+        if (isParentOf(update)) {
+            const std::optional<std::size_t> index =
+                update.type == NodeUpdateType::appendedNode && represented->children().size() > 0
+                    ? std::optional(represented->children().size() - 1)
+                    : update.newChildIndex;
+            if (!index)
+                return;
+            // The identifier may have been measured before, as a new note being typed.
+            m_rows.invalidate(update.node->identifier());
+            insertRow(toRow(*index));
+        } else {
+            refreshRowShowingParentOf(update);
+        }
+        break;
+    case NodeUpdateType::destroyedNode:
+        if (isParentOf(update) && update.oldChildIndex)
+            removeRow(toRow(*update.oldChildIndex));
+        break;
+    case NodeUpdateType::movedWithinParent:
+        if (isParentOf(update) && update.oldChildIndex && update.newChildIndex)
+            m_model.moveRow(toRow(*update.oldChildIndex), toRow(*update.newChildIndex));
+        break;
+    case NodeUpdateType::changedParent: {
+        if (!update.oldParentIdentifier || !update.newParentIdentifier || !update.oldChildIndex ||
+            !update.newChildIndex)
+            return;
+        if (represented->identifier() == *update.oldParentIdentifier) {
+            removeRow(toRow(*update.oldChildIndex));
+        } else if (represented->identifier() == *update.newParentIdentifier) {
+            m_rows.invalidate(update.node->identifier());
+            insertRow(toRow(*update.newChildIndex));
+        }
+        // Rows showing either parent have a new count of children.
+        for (const Identifier* parent :
+             {&*update.newParentIdentifier, &*update.oldParentIdentifier})
+            m_model.refreshRow(m_model.rowShowing(*parent));
+        break;
+    }
+    }
+}
+
+void ColumnUpdater::insertRow(int row) {
+    m_model.insertRowAt(row);
+    m_view.scrollTo(m_model.index(row));
+}
+
+void ColumnUpdater::removeRow(int row) {
+    int selected = m_view.selectedRow();
+    m_model.removeRowAt(row);
+    const int count = m_model.rowCount();
+    if (selected == count)
+        selected = count - 1;
+    if (selected >= 0 && selected < count)
+        m_view.selectionModel()->setCurrentIndex(m_model.index(selected),
+                                                 QItemSelectionModel::ClearAndSelect);
+}
+
+void ColumnUpdater::refreshRowShowingParentOf(const DocumentUpdate& update) {
+    const NodePtr parent = m_document.notebookNode(update.node->parentIdentifier());
+    if (parent)
+        m_model.refreshRow(m_model.rowShowing(parent->identifier()));
+}
+
+} // namespace quillery

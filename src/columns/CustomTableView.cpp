@@ -1,0 +1,83 @@
+#include "columns/CustomTableView.h"
+
+#include "columns/ColumnCommand.h"
+
+#include <QKeyEvent>
+#include <QResizeEvent>
+
+namespace quillery {
+
+CustomTableView::CustomTableView(QWidget* parent)
+    : MyScrollView(parent) {
+    setObjectName(QStringLiteral("tableView"));
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setUniformItemSizes(false);
+    // Rows are laid out a batch per event-loop turn, so a huge column shows its first screen
+    // without waiting for the rest.
+    setLayoutMode(QListView::Batched);
+    setBatchSize(64);
+    setResizeMode(QListView::Adjust);
+    setFrameShape(QFrame::NoFrame);
+    setDragEnabled(true);
+    setAcceptDrops(true);
+    setDropIndicatorShown(true);
+    setDragDropMode(QAbstractItemView::DragDrop);
+    setDefaultDropAction(Qt::MoveAction);
+}
+
+int CustomTableView::selectedRow() const {
+    if (!selectionModel())
+        return -1;
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    return rows.isEmpty() ? -1 : rows.first().row();
+}
+
+void CustomTableView::keyPressEvent(QKeyEvent* event) {
+    const ColumnCommand command = columnCommandForKey(*event);
+    const int rows = model() ? model()->rowCount() : 0;
+    const int selected = selectedRow();
+    bool forColumn = false;
+    switch (command) {
+    case ColumnCommand::None:
+        break;
+    case ColumnCommand::MoveUp:
+        forColumn = selected == 0;
+        break;
+    case ColumnCommand::MoveDown:
+        forColumn = selected == rows - 1 || rows == 0;
+        break;
+    default:
+        forColumn = true;
+        break;
+    }
+    if (forColumn) {
+        // Ignored key events travel on to the parent widgets, the column among them.
+        event->ignore();
+        return;
+    }
+    if (command == ColumnCommand::MoveUp || command == ColumnCommand::MoveDown) {
+        // Ctrl+P and Ctrl+N step through the rows exactly like Up and Down.
+        QKeyEvent arrow(QEvent::KeyPress,
+                        command == ColumnCommand::MoveUp ? Qt::Key_Up : Qt::Key_Down,
+                        Qt::NoModifier);
+        MyScrollView::keyPressEvent(&arrow);
+        event->setAccepted(arrow.isAccepted());
+        return;
+    }
+    MyScrollView::keyPressEvent(event);
+}
+
+void CustomTableView::resizeEvent(QResizeEvent* event) {
+    MyScrollView::resizeEvent(event);
+    const int width = viewport()->width();
+    if (width != m_lastWidth) {
+        m_lastWidth = width;
+        emit widthChanged(width);
+    }
+}
+
+} // namespace quillery

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "navigation/MyScrollView.h"
+
+namespace quillery {
+
+// The list of a column. It moves its selection with Up and Down like any list, but hands the
+// column the keys that are column commands: Up on the first row, Down on the last row (or in an
+// empty list), and the keys that delete, edit, move between columns or type.
+class CustomTableView : public MyScrollView {
+    Q_OBJECT
+
+public:
+    explicit CustomTableView(QWidget* parent = nullptr);
+
+    // The selected row, or -1.
+    int selectedRow() const;
+
+signals:
+    // The viewport's width changed; row heights depend on it.
+    void widthChanged(int width);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    int m_lastWidth = -1;
+};
+
+} // namespace quillery

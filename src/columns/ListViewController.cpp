@@ -1,0 +1,489 @@
+#include "columns/ListViewController.h"
+
+#include "columns/ColumnCommand.h"
+#include "columns/ColumnPrompts.h"
+#include "columns/ColumnUpdater.h"
+#include "columns/CustomTableView.h"
+#include "columns/EditNodeViewController.h"
+#include "columns/HighlightableButton.h"
+#include "columns/ListViewControllerDelegate.h"
+#include "columns/NodeListModel.h"
+#include "columns/NodeRowDelegate.h"
+#include "document/Document.h"
+
+#include <QBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPointer>
+#include <QScrollArea>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace quillery {
+
+namespace {
+
+const Identifier& deletedRootIdentifier() {
+    static const Identifier identifier("deleted");
+    return identifier;
+}
+
+} // namespace
+
+class ListViewController::Private {
+public:
+    explicit Private(ListViewController* column, Document* document);
+
+    int rowCount() const { return model->rowCount(); }
+    bool isValidRow(int row) const { return row >= 0 && row < rowCount(); }
+    void updateUI();
+    void selectionDidChange();
+    void documentDidUpdate(const DocumentUpdate& update);
+    bool perform(ColumnCommand command);
+    void moveUp();
+    void moveDown();
+    void deleteSelectedNode();
+    void addNewNodeAtIndex(std::size_t index);
+    void showEditNode(const NodePtr& node);
+    // Takes the new note out of the children (and its row out of the list) again.
+    std::size_t removeTemporaryNode();
+    void scrollIntoView();
+
+    ListViewController* q;
+    Document* document;
+    NodeListModel* model;
+    NodeRowDelegate* rows;
+    CustomTableView* tableView;
+    QLabel* noEntriesLabel;
+    HighlightableButton* addNodeButton;
+    std::unique_ptr<ColumnUpdater> updater;
+    ListViewControllerDelegate* delegate = nullptr;
+    ColumnPrompts prompts = ColumnPrompts::standard();
+    int nodeDepth = 0;
+    bool enabled = true;
+    NodePtr temporaryNode;
+    bool temporaryRowShown = false;
+    bool selectionHandlingSuspended = false;
+    Document::ObserverId observer = 0;
+};
+
+ListViewController::Private::Private(ListViewController* column, Document* doc)
+    : q(column)
+    , document(doc)
+    , model(new NodeListModel(doc, column))
+    , rows(new NodeRowDelegate(doc, column))
+    , tableView(new CustomTableView(column))
+    , noEntriesLabel(new QLabel(column))
+    , addNodeButton(new HighlightableButton(column)) {
+}
+
+void ListViewController::Private::updateUI() {
+    const NodePtr& node = model->representedNode();
+    noEntriesLabel->setVisible(!node || node->children().empty());
+}
+
+void ListViewController::Private::selectionDidChange() {
+    if (selectionHandlingSuspended)
+        return;
+    const int row = tableView->selectedRow();
+    if (isValidRow(row)) {
+        if (delegate)
+            delegate->listViewControllerDidSelectNode(*q, model->nodeAt(row));
+    } else if (delegate) {
+        delegate->listViewControllerDidClearSelectedNode(*q);
+    }
+    tableView->viewport()->update();
+}
+
+void ListViewController::Private::documentDidUpdate(const DocumentUpdate& update) {
+    if (!model->representedNode() || !updater)
+        return;
+    // The row operation may move or clear the selection; the navigation hears once, afterwards,
+    // and only when the selected note changed.
+    const NodePtr before = q->selectedNode();
+    selectionHandlingSuspended = true;
+    updater->apply(update);
+    selectionHandlingSuspended = false;
+    updateUI();
+    const NodePtr after = q->selectedNode();
+    if (before != after)
+        selectionDidChange();
+}
+
+bool ListViewController::Private::perform(ColumnCommand command) {
+    switch (command) {
+    case ColumnCommand::None:
+        return false;
+    case ColumnCommand::DeleteBackward:
+        deleteSelectedNode();
+        break;
+    case ColumnCommand::InsertNewline:
+        q->didTapEditNode();
+        break;
+    case ColumnCommand::MoveLeft:
+        if (delegate)
+            delegate->listViewControllerDidTapMoveLeft(*q);
+        break;
+    case ColumnCommand::MoveRight:
+        if (delegate)
+            delegate->listViewControllerDidTapMoveRight(*q);
+        break;
+    case ColumnCommand::MoveUp:
+        moveUp();
+        break;
+    case ColumnCommand::MoveDown:
+        moveDown();
+        break;
+    case ColumnCommand::InsertText:
+        break;
+    }
+    return true;
+}
+
+void ListViewController::Private::moveUp() {
+    if (!model->representedNode() || !addNodeButton->hasFocus() || rowCount() == 0)
+        return;
+    q->selectRow(rowCount() - 1);
+    tableView->setFocus(Qt::OtherFocusReason);
+}
+
+void ListViewController::Private::moveDown() {
+    if (!model->representedNode() || addNodeButton->hasFocus())
+        return;
+    tableView->selectionModel()->clearSelection();
+    addNodeButton->setFocus(Qt::OtherFocusReason);
+}
+
+void ListViewController::Private::deleteSelectedNode() {
+    const int row = tableView->selectedRow();
+    if (!model->representedNode() || !isValidRow(row))
+        return;
+    const NodePtr node = model->nodeAt(row);
+    if (!node || !document)
+        return;
+    if (!node->isEmpty() && prompts.confirmDelete && !prompts.confirmDelete(q))
+        return;
+    if (const NodePtr deleted = document->node(deletedRootIdentifier()))
+        document->userDidMove(*node, *deleted);
+}
+
+void ListViewController::Private::addNewNodeAtIndex(std::size_t index) {
+    const NodePtr& parent = model->representedNode();
+    if (!parent || temporaryNode)
+        return;
+    // The one edit that bypasses the document: the note sits among the children, unrecorded,
+    // until its editor is done; only then is it recorded, with its text.
+    temporaryNode = NotebookNode::create(parent->identifier(), std::string());
+    temporaryRowShown = false;
+    auto& children = parent->children();
+    children.insert(children.begin() +
+                        static_cast<std::ptrdiff_t>(std::min(index, children.size())),
+                    temporaryNode);
+    QTimer::singleShot(0, q, [this, node = temporaryNode] {
+        if (temporaryNode != node)
+            return;
+        const auto& current = model->representedNode()->children();
+        const auto found = std::find(current.begin(), current.end(), node);
+        if (found == current.end())
+            return;
+        const int row = static_cast<int>(found - current.begin());
+        model->insertRowAt(row);
+        temporaryRowShown = true;
+        tableView->scrollTo(model->index(row));
+        updateUI();
+        showEditNode(node);
+    });
+}
+
+std::size_t ListViewController::Private::removeTemporaryNode() {
+    auto& children = model->representedNode()->children();
+    const auto found = std::find(children.begin(), children.end(), temporaryNode);
+    const auto index = static_cast<std::size_t>(found - children.begin());
+    if (found != children.end()) {
+        children.erase(found);
+        if (temporaryRowShown)
+            model->removeRowAt(static_cast<int>(index));
+    }
+    temporaryNode.reset();
+    temporaryRowShown = false;
+    return std::min(index, children.size());
+}
+
+void ListViewController::Private::showEditNode(const NodePtr& node) {
+    // Parented to the column until the navigation places it.
+    auto* editor = new EditNodeViewController(q);
+    editor->hide();
+    editor->setRepresentedNode(node);
+    editor->setDelegate(q);
+    if (delegate)
+        delegate->listViewControllerWantsToPresentViewController(*q, editor);
+}
+
+void ListViewController::Private::scrollIntoView() {
+    for (QWidget* widget = q->parentWidget(); widget; widget = widget->parentWidget()) {
+        if (auto* area = qobject_cast<QScrollArea*>(widget)) {
+            area->ensureWidgetVisible(q, 0, 0);
+            return;
+        }
+    }
+}
+
+ListViewController::ListViewController(Document* document, QWidget* parent)
+    : QWidget(parent)
+    , d(std::make_unique<Private>(this, document)) {
+    setObjectName(QStringLiteral("ListViewController"));
+    d->tableView->setModel(d->model);
+    d->tableView->setItemDelegate(d->rows);
+    d->tableView->setAccessibleName(tr("Notes"));
+    d->rows->setColumnWidth(d->tableView->viewport()->width());
+    connect(d->tableView, &CustomTableView::widthChanged, this,
+            [this](int width) { d->rows->setColumnWidth(width); });
+    connect(d->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { d->selectionDidChange(); });
+    connect(d->tableView, &QAbstractItemView::doubleClicked, this, [this] { didTapEditNode(); });
+    connect(d->model, &NodeListModel::noteToEditAfterDrop, this,
+            [this](const NodePtr& note) { d->showEditNode(note); });
+
+    d->noEntriesLabel->setObjectName(QStringLiteral("noEntriesLabel"));
+    d->noEntriesLabel->setAlignment(Qt::AlignCenter);
+    d->noEntriesLabel->setWordWrap(true);
+    d->noEntriesLabel->setForegroundRole(QPalette::PlaceholderText);
+    // Drops and clicks over the label belong to the list beneath it.
+    d->noEntriesLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
+    setNodeDepth(0);
+
+    d->addNodeButton->setTitle(tr("Add Note"));
+    d->addNodeButton->setToolTip(tr("Add a note at the end of this column"));
+    connect(d->addNodeButton, &HighlightableButton::pressed, this, [this] { didTapAddNode(); });
+
+    auto* list = new QGridLayout;
+    list->addWidget(d->tableView, 0, 0);
+    list->addWidget(d->noEntriesLabel, 0, 0, Qt::AlignCenter);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(list, 1);
+    auto* buttonRow = new QHBoxLayout;
+    const int margin = style()->pixelMetric(QStyle::PM_LayoutLeftMargin);
+    buttonRow->setContentsMargins(margin, margin, margin, margin);
+    buttonRow->addWidget(d->addNodeButton);
+    layout->addLayout(buttonRow);
+    setFocusProxy(d->tableView);
+
+    if (document) {
+        d->updater = std::make_unique<ColumnUpdater>(*document, *d->model, *d->tableView, *d->rows);
+        d->observer = document->addObserver(
+            [this](const DocumentUpdate& update) { d->documentDidUpdate(update); });
+    }
+    d->updateUI();
+}
+
+ListViewController::~ListViewController() {
+    if (d->document && d->observer)
+        d->document->removeObserver(d->observer);
+    // A note still being typed never happened.
+    if (d->temporaryNode && d->model->representedNode()) {
+        auto& children = d->model->representedNode()->children();
+        children.erase(std::remove(children.begin(), children.end(), d->temporaryNode),
+                       children.end());
+    }
+}
+
+Document* ListViewController::document() const {
+    return d->document;
+}
+
+const NodePtr& ListViewController::representedNode() const {
+    return d->model->representedNode();
+}
+
+void ListViewController::setRepresentedNode(NodePtr node) {
+    d->model->setRepresentedNode(std::move(node));
+    d->updateUI();
+}
+
+int ListViewController::nodeDepth() const {
+    return d->nodeDepth;
+}
+
+void ListViewController::setNodeDepth(int depth) {
+    d->nodeDepth = depth;
+    d->noEntriesLabel->setText(depth > 0 ? tr("No sub-notes yet") : tr("No notes yet"));
+}
+
+ListViewControllerDelegate* ListViewController::delegate() const {
+    return d->delegate;
+}
+
+void ListViewController::setDelegate(ListViewControllerDelegate* delegate) {
+    d->delegate = delegate;
+}
+
+bool ListViewController::isColumnEnabled() const {
+    return d->enabled;
+}
+
+void ListViewController::setColumnEnabled(bool enabled) {
+    d->enabled = enabled;
+    d->addNodeButton->setEnabled(enabled);
+    d->tableView->setEnabled(enabled);
+    reloadVisibleRows(false);
+}
+
+void ListViewController::reloadData() {
+    d->model->reload();
+    d->updateUI();
+}
+
+void ListViewController::makeFirstResponder() {
+    if (!d->model->representedNode())
+        return;
+    if (d->rowCount() == 0) {
+        d->addNodeButton->setFocus(Qt::OtherFocusReason);
+    } else {
+        d->tableView->setFocus(Qt::OtherFocusReason);
+        if (d->tableView->selectedRow() < 0)
+            selectRow(0);
+    }
+    d->scrollIntoView();
+}
+
+void ListViewController::reloadVisibleRows(bool andHeights) {
+    if (andHeights) {
+        const int width = d->rows->columnWidth();
+        d->rows->setColumnWidth(-1);
+        d->rows->setColumnWidth(width);
+        emit d->rows->sizeHintChanged(QModelIndex());
+    }
+    d->tableView->viewport()->update();
+}
+
+void ListViewController::didTapAddNode() {
+    if (const NodePtr& node = d->model->representedNode())
+        d->addNewNodeAtIndex(node->children().size());
+}
+
+void ListViewController::didTapAddNodeBeneath() {
+    const NodePtr& node = d->model->representedNode();
+    if (!node)
+        return;
+    const int row = d->tableView->selectedRow();
+    d->addNewNodeAtIndex(d->isValidRow(row) ? static_cast<std::size_t>(row) + 1
+                                            : node->children().size());
+}
+
+void ListViewController::didTapEditNode() {
+    const int row = d->tableView->selectedRow();
+    if (!d->model->representedNode() || !d->isValidRow(row))
+        return;
+    const NodePtr node = d->model->nodeAt(row);
+    if (!node)
+        return;
+    if (!node->imageIdentifier()) {
+        d->showEditNode(node);
+        return;
+    }
+    const auto file = d->document ? d->document->url(*node->imageIdentifier()) : std::nullopt;
+    if (file) {
+        if (d->prompts.openUrl)
+            d->prompts.openUrl(QUrl::fromLocalFile(QString::fromStdString(file->string())));
+    } else if (d->prompts.reportMissingPicture) {
+        d->prompts.reportMissingPicture(this);
+    }
+}
+
+void ListViewController::didTapDeleteNode() {
+    d->deleteSelectedNode();
+}
+
+int ListViewController::selectedRow() const {
+    return d->tableView->selectedRow();
+}
+
+NodePtr ListViewController::selectedNode() const {
+    return d->model->nodeAt(d->tableView->selectedRow());
+}
+
+void ListViewController::selectRow(int row) {
+    if (!d->isValidRow(row))
+        return;
+    const QModelIndex index = d->model->index(row);
+    d->tableView->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    d->tableView->scrollTo(index);
+}
+
+const NodePtr& ListViewController::temporaryNode() const {
+    return d->temporaryNode;
+}
+
+void ListViewController::setPrompts(ColumnPrompts prompts) {
+    d->prompts = std::move(prompts);
+}
+
+CustomTableView* ListViewController::tableView() const {
+    return d->tableView;
+}
+
+HighlightableButton* ListViewController::addNodeButton() const {
+    return d->addNodeButton;
+}
+
+QLabel* ListViewController::noEntriesLabel() const {
+    return d->noEntriesLabel;
+}
+
+QSize ListViewController::sizeHint() const {
+    const int line = fontMetrics().height();
+    return {line * 22, line * 30};
+}
+
+void ListViewController::editNodeViewControllerDidUpdateText(EditNodeViewController& editor,
+                                                             const std::string& text,
+                                                             const NodePtr& node) {
+    const NodePtr represented = d->model->representedNode();
+    if (!represented)
+        return;
+    if (d->temporaryNode && node == d->temporaryNode) {
+        const NodePtr newNode = d->temporaryNode;
+        newNode->setText(text);
+        const std::size_t index = d->removeTemporaryNode();
+        // Recorded whatever its text, an empty one too; the row comes back with the update.
+        if (d->document)
+            d->document->userDidAdd(*newNode, *represented, static_cast<long>(index));
+        QTimer::singleShot(0, this, [this, row = static_cast<int>(index)] { selectRow(row); });
+    } else if (d->document && node) {
+        d->document->userDidModify(*node, text);
+    }
+    d->updateUI();
+    if (d->delegate)
+        d->delegate->listViewControllerWantsToDismissViewController(*this, &editor);
+}
+
+void ListViewController::editNodeViewControllerDidCancelEditing(EditNodeViewController& editor,
+                                                                const NodePtr& node) {
+    if (d->temporaryNode && node == d->temporaryNode && d->model->representedNode())
+        d->removeTemporaryNode();
+    d->updateUI();
+    if (d->delegate)
+        d->delegate->listViewControllerWantsToDismissViewController(*this, &editor);
+}
+
+bool ListViewController::event(QEvent* event) {
+    // Keys that are column commands win over the window's shortcuts while the focus is in the
+    // column: Ctrl+N moves down here rather than making a new notebook.
+    if (event->type() == QEvent::ShortcutOverride) {
+        const ColumnCommand command = columnCommandForKey(*static_cast<QKeyEvent*>(event));
+        if (command != ColumnCommand::None && command != ColumnCommand::InsertText) {
+            event->accept();
+            return true;
+        }
+    }
+    return QWidget::event(event);
+}
+
+void ListViewController::keyPressEvent(QKeyEvent* event) {
+    if (!d->perform(columnCommandForKey(*event)))
+        QWidget::keyPressEvent(event);
+}
+
+} // namespace quillery

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "model/NotebookNode.h"
+
+#include <QAbstractListModel>
+
+#include <memory>
+
+namespace quillery {
+
+class ColumnDropHandler;
+class Document;
+
+// The rows of one column: the children of the represented note, in order. The model keeps its
+// own row count, changed only by the row operations below, because the document changes the
+// children before it announces the change: between the two the list must still see the old
+// rows. Drags carry one note; drops are decided and performed by the column's drop handler.
+class NodeListModel : public QAbstractListModel {
+    Q_OBJECT
+
+public:
+    explicit NodeListModel(Document* document, QObject* parent = nullptr);
+    ~NodeListModel() override;
+
+    const NodePtr& representedNode() const { return m_representedNode; }
+    // Resets the rows to the node's children.
+    void setRepresentedNode(NodePtr node);
+
+    // The child shown at the row, or null.
+    NodePtr nodeAt(int row) const;
+    // The first row whose child has the identifier, or -1.
+    int rowShowing(const Identifier& identifier) const;
+
+    // One row operation each; the represented node's children must already hold the new state.
+    void reload();
+    void insertRowAt(int row);
+    void removeRowAt(int row);
+    // `to` is the row's index once moved.
+    void moveRow(int from, int to);
+    void refreshRow(int row);
+    void refreshAllRows();
+
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+    QStringList mimeTypes() const override;
+    QMimeData* mimeData(const QModelIndexList& indexes) const override;
+    bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                         const QModelIndex& parent) const override;
+    bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                      const QModelIndex& parent) override;
+    Qt::DropActions supportedDropActions() const override;
+    Qt::DropActions supportedDragActions() const override;
+
+signals:
+    // A drop made a note that wants its editor; sent on the turn after the drop.
+    void noteToEditAfterDrop(NodePtr node);
+
+private:
+    struct DropPlace;
+    DropPlace dropPlace(int row, const QModelIndex& parent) const;
+
+    Document* m_document;
+    std::unique_ptr<ColumnDropHandler> m_dropHandler;
+    NodePtr m_representedNode;
+    int m_rowCount = 0;
+};
+
+} // namespace quillery

@@ -1,0 +1,107 @@
+#include "columns/StyledTextLayout.h"
+
+#include "columns/ColumnStyle.h"
+#include "markdown/MarkdownStyler.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPalette>
+#include <QTextOption>
+
+#include <algorithm>
+
+namespace quillery {
+
+namespace {
+
+// The cell's colour for code spans.
+const Color& codeColor() {
+    static const Color color = Color::fromHsba(0.24, 0.8, 0.5, 1.0);
+    return color;
+}
+
+std::string_view styledPart(std::string_view text) {
+    if (text.size() <= StyledTextLayout::kMaxStyledBytes)
+        return text;
+    std::size_t end = StyledTextLayout::kMaxStyledBytes;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return text.substr(0, end);
+}
+
+} // namespace
+
+StyledTextLayout::StyledTextLayout(std::string_view text, const QPalette& palette) {
+    MarkdownStyler styler(styledPart(text));
+    styler.code.fontName = fontfamilies::monospace();
+    styler.code.color = codeColor();
+    const std::vector<StyledRun> runs = styler.attributedString();
+
+    QString string;
+    QList<QTextLayout::FormatRange> formats;
+    QFont lastFont = columnstyle::font(FontForTextStyle(MyFontTextStyle::body));
+    // The styled text always ends with a line break; drawing it would add an empty last line.
+    const std::size_t count =
+        !runs.empty() && runs.back().isLineTerminator ? runs.size() - 1 : runs.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const StyledRun& run = runs[i];
+        if (run.isLineTerminator) {
+            // QTextLayout breaks lines only at the Unicode line separator.
+            string += QChar(QChar::LineSeparator);
+            continue;
+        }
+        const QString piece = QString::fromStdString(run.text).replace(QLatin1Char('\n'),
+                                                                       QChar(QChar::LineSeparator));
+        const RunPresentation presentation = styler.presentation(run);
+        QTextCharFormat format;
+        lastFont = columnstyle::font(presentation.font);
+        format.setFont(lastFont);
+        format.setForeground(columnstyle::textColor(presentation.foreground, palette));
+        if (presentation.link) {
+            format.setAnchor(true);
+            format.setAnchorHref(QString::fromStdString(*presentation.link));
+            format.setFontUnderline(true);
+        }
+        formats.append({static_cast<int>(string.size()), static_cast<int>(piece.size()), format});
+        string += piece;
+    }
+    m_layout.setText(string);
+    m_layout.setFont(lastFont);
+    m_layout.setFormats(formats);
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    m_layout.setTextOption(option);
+    m_layout.setCacheEnabled(true);
+}
+
+qreal StyledTextLayout::layout(qreal width) {
+    m_width = std::max<qreal>(width, 1);
+    m_height = 0;
+    m_layout.beginLayout();
+    while (m_height < kMaxHeight) {
+        QTextLine line = m_layout.createLine();
+        if (!line.isValid())
+            break;
+        line.setLeadingIncluded(true);
+        line.setLineWidth(m_width);
+        line.setPosition(QPointF(0, m_height));
+        m_height += line.height();
+    }
+    m_layout.endLayout();
+    m_height = std::min(m_height, kMaxHeight);
+    return m_height;
+}
+
+void StyledTextLayout::draw(QPainter& painter, QPointF position) const {
+    painter.save();
+    painter.setClipRect(QRectF(position, QSizeF(m_width, m_height)), Qt::IntersectClip);
+    m_layout.draw(&painter, position);
+    painter.restore();
+}
+
+qreal StyledTextLayout::measure(std::string_view text, qreal width) {
+    StyledTextLayout layout(text, QGuiApplication::palette());
+    return layout.layout(width);
+}
+
+} // namespace quillery
