@@ -1,0 +1,77 @@
+#include "app/DocumentActions.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QMainWindow>
+#include <QMenuBar>
+
+namespace quillery {
+
+namespace {
+
+QAction* addAction(QMenu* menu, const QString& text, const QString& name,
+                   const QKeySequence& shortcut = {}) {
+    QAction* action = menu->addAction(text);
+    action->setObjectName(name);
+    action->setShortcut(shortcut);
+    return action;
+}
+
+// Every binding the desktop defines for the key (Redo has two on most desktops).
+QAction* addAction(QMenu* menu, const QString& text, const QString& name,
+                   QKeySequence::StandardKey key) {
+    QAction* action = addAction(menu, text, name);
+    action->setShortcuts(key);
+    return action;
+}
+
+QString trMenu(const char* text) {
+    return QCoreApplication::translate("DocumentActions", text);
+}
+
+} // namespace
+
+DocumentActions DocumentActions::create(QMainWindow& window) {
+    DocumentActions actions;
+    QMenuBar* bar = window.menuBar();
+
+    QMenu* file = bar->addMenu(trMenu("&File"));
+    actions.newDocument =
+        addAction(file, trMenu("&New Notebook"), QStringLiteral("actionNew"), QKeySequence::New);
+    actions.open =
+        addAction(file, trMenu("&Open…"), QStringLiteral("actionOpen"), QKeySequence::Open);
+    actions.openRecent = file->addMenu(trMenu("Open &Recent"));
+    actions.openRecent->setObjectName(QStringLiteral("menuOpenRecent"));
+    file->addSeparator();
+    actions.save =
+        addAction(file, trMenu("&Save"), QStringLiteral("actionSave"), QKeySequence::Save);
+    actions.saveAs =
+        addAction(file, trMenu("Save &As…"), QStringLiteral("actionSaveAs"), QKeySequence::SaveAs);
+    actions.revert = addAction(file, trMenu("Re&vert to Saved"), QStringLiteral("actionRevert"));
+    file->addSeparator();
+    actions.close =
+        addAction(file, trMenu("&Close"), QStringLiteral("actionClose"), QKeySequence::Close);
+    actions.quit =
+        addAction(file, trMenu("&Quit"), QStringLiteral("actionQuit"), QKeySequence::Quit);
+    actions.quit->setMenuRole(QAction::QuitRole);
+
+    QMenu* edit = bar->addMenu(trMenu("&Edit"));
+    actions.undo =
+        addAction(edit, trMenu("&Undo"), QStringLiteral("actionUndo"), QKeySequence::Undo);
+    actions.redo =
+        addAction(edit, trMenu("&Redo"), QStringLiteral("actionRedo"), QKeySequence::Redo);
+
+    // Ctrl+N and Ctrl+P move within a focused column, and Return edits there, so the Note
+    // commands use keys no column claims.
+    QMenu* note = bar->addMenu(trMenu("&Note"));
+    actions.addNote = addAction(note, trMenu("&Add Note"), QStringLiteral("actionAddNote"),
+                                QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N));
+    actions.addNoteBeneath =
+        addAction(note, trMenu("Add Note &Beneath"), QStringLiteral("actionAddNoteBeneath"),
+                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_B));
+    actions.editNote = addAction(note, trMenu("&Edit Note"), QStringLiteral("actionEditNote"),
+                                 QKeySequence(Qt::Key_F2));
+    return actions;
+}
+
+} // namespace quillery

@@ -1,0 +1,30 @@
+#pragma once
+
+class QAction;
+class QMainWindow;
+class QMenu;
+
+namespace quillery {
+
+// The menu bar of a document window: File, Edit and Note with their shortcuts. The window
+// connects the actions; this only lays the menus out, so the key map lives in one place.
+struct DocumentActions {
+    QAction* newDocument = nullptr;
+    QAction* open = nullptr;
+    QMenu* openRecent = nullptr;
+    QAction* save = nullptr;
+    QAction* saveAs = nullptr;
+    QAction* revert = nullptr;
+    QAction* close = nullptr;
+    QAction* quit = nullptr;
+    QAction* undo = nullptr;
+    QAction* redo = nullptr;
+    QAction* addNote = nullptr;
+    QAction* addNoteBeneath = nullptr;
+    QAction* editNote = nullptr;
+
+    // Builds the menus into the window's menu bar; the actions are children of the window.
+    static DocumentActions create(QMainWindow& window);
+};
+
+} // namespace quillery

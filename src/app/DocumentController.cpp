@@ -1,0 +1,157 @@
+#include "app/DocumentController.h"
+
+#include "app/DocumentPrompts.h"
+#include "app/DocumentWindow.h"
+#include "document/Document.h"
+#include "storage/NotebookPackage.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include <system_error>
+
+namespace quillery {
+
+namespace {
+
+const std::string kPackageSuffix = ".quillery";
+
+// A journal or picture inside a package stands for the package, so a file manager or shell
+// completion that hands over a file inside it still opens the notebook.
+std::filesystem::path packageOf(const std::filesystem::path& location) {
+    std::error_code error;
+    std::filesystem::path path = std::filesystem::absolute(location, error).lexically_normal();
+    if (!path.has_filename()) {
+        path = path.parent_path();
+    }
+    for (std::filesystem::path p = path; p.has_parent_path() && p != p.parent_path();
+         p = p.parent_path()) {
+        if (p.extension() == kPackageSuffix && std::filesystem::is_directory(p, error)) {
+            return p;
+        }
+    }
+    return path;
+}
+
+QString qtPath(const std::filesystem::path& path) {
+    return QString::fromStdString(path.string());
+}
+
+} // namespace
+
+DocumentController::DocumentController(Preferences& preferences, const PictureCodec& codec,
+                                       DocumentPrompts& prompts, QObject* parent)
+    : QObject(parent)
+    , m_preferences(preferences)
+    , m_codec(codec)
+    , m_prompts(prompts) {
+}
+
+// Windows that are still open own their documents, which refer to the preferences and codec
+// this controller was given; they must go before those do.
+DocumentController::~DocumentController() {
+    const std::vector<DocumentWindow*> windows = m_windows;
+    for (DocumentWindow* window : windows) {
+        delete window;
+    }
+}
+
+std::unique_ptr<Document> DocumentController::makeDocument() const {
+    return std::make_unique<Document>(m_preferences, &m_codec);
+}
+
+DocumentController::ReadResult
+DocumentController::readDocument(const std::filesystem::path& location) const {
+    std::error_code error;
+    const QString name = qtPath(location.filename());
+    if (!std::filesystem::exists(location, error)) {
+        return {nullptr,
+                StorageError{"quillery.app", 1, tr("“%1” doesn't exist.").arg(name).toStdString()}};
+    }
+    if (!std::filesystem::is_directory(location, error)) {
+        return {nullptr,
+                StorageError{"quillery.app", 2,
+                             tr("“%1” is not a Quillery notebook.").arg(name).toStdString()}};
+    }
+    auto document = makeDocument();
+    if (auto failure = package::read(*document, location, m_codec)) {
+        return {nullptr, std::move(failure)};
+    }
+    return {std::move(document), std::nullopt};
+}
+
+DocumentWindow* DocumentController::newDocument() {
+    ++m_untitledCount;
+    const QString name =
+        m_untitledCount == 1 ? tr("Untitled") : tr("Untitled %1").arg(m_untitledCount);
+    DocumentWindow* window = addWindow(makeDocument(), name);
+    window->show();
+    return window;
+}
+
+DocumentWindow* DocumentController::openDocument(const std::filesystem::path& location,
+                                                 QWidget* dialogParent) {
+    const std::filesystem::path package = packageOf(location);
+    if (DocumentWindow* open = windowFor(package)) {
+        open->show();
+        open->raise();
+        open->activateWindow();
+        return open;
+    }
+    ReadResult result = readDocument(package);
+    if (!result.document) {
+        m_prompts.warn(
+            dialogParent,
+            tr("The notebook “%1” could not be opened.")
+                .arg(QFileInfo(qtPath(package)).completeBaseName()),
+            QString::fromStdString(result.error ? result.error->message : std::string()));
+        return nullptr;
+    }
+    m_recentDocuments.note(qtPath(package));
+    DocumentWindow* window = addWindow(std::move(result.document), QString());
+    window->show();
+    return window;
+}
+
+void DocumentController::openWithDialog(QWidget* dialogParent) {
+    if (auto location = m_prompts.chooseDocumentToOpen(dialogParent)) {
+        openDocument(*location, dialogParent);
+    }
+}
+
+bool DocumentController::closeAll() {
+    const std::vector<DocumentWindow*> windows = m_windows;
+    for (DocumentWindow* window : windows) {
+        if (!window->close()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void DocumentController::quit() {
+    if (closeAll()) {
+        QCoreApplication::quit();
+    }
+}
+
+DocumentWindow* DocumentController::addWindow(std::unique_ptr<Document> document,
+                                              const QString& untitledName) {
+    auto* window = new DocumentWindow(*this, std::move(document), untitledName);
+    m_windows.push_back(window);
+    connect(window, &QObject::destroyed, this, [this, window] { std::erase(m_windows, window); });
+    return window;
+}
+
+DocumentWindow* DocumentController::windowFor(const std::filesystem::path& location) const {
+    std::error_code error;
+    for (DocumentWindow* window : m_windows) {
+        const auto& open = window->document().fileLocation();
+        if (open && std::filesystem::equivalent(*open, location, error)) {
+            return window;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace quillery

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/RecentDocuments.h"
+#include "storage/StorageError.h"
+
+#include <QObject>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class QWidget;
+
+namespace quillery {
+
+class Document;
+class DocumentPrompts;
+class DocumentWindow;
+class PictureCodec;
+class Preferences;
+
+// Owns the open notebooks: one DocumentWindow each, which owns its document. Makes new
+// notebooks, opens packages (at most one window per package), keeps the recent list, and closes
+// everything on quit, asking about unsaved changes window by window.
+class DocumentController : public QObject {
+    Q_OBJECT
+
+public:
+    // All three must outlive the controller.
+    DocumentController(Preferences& preferences, const PictureCodec& codec,
+                       DocumentPrompts& prompts, QObject* parent = nullptr);
+    ~DocumentController() override;
+
+    // A new untitled notebook in a new window, shown.
+    DocumentWindow* newDocument();
+    // The window of the package, opening it when it is not open yet. A package that cannot be
+    // read shows a warning with the reason and opens nothing (null).
+    DocumentWindow* openDocument(const std::filesystem::path& location,
+                                 QWidget* dialogParent = nullptr);
+    void openWithDialog(QWidget* dialogParent);
+    // Closes every window; stops, returning false, at the first one the user keeps open.
+    bool closeAll();
+    void quit();
+
+    const std::vector<DocumentWindow*>& windows() const { return m_windows; }
+    DocumentPrompts& prompts() const { return m_prompts; }
+    RecentDocuments& recentDocuments() { return m_recentDocuments; }
+
+    struct ReadResult {
+        std::unique_ptr<Document> document;
+        std::optional<StorageError> error;
+    };
+    // A document filled from the package, or the reason it could not be read.
+    ReadResult readDocument(const std::filesystem::path& location) const;
+    std::unique_ptr<Document> makeDocument() const;
+
+private:
+    DocumentWindow* addWindow(std::unique_ptr<Document> document, const QString& untitledName);
+    DocumentWindow* windowFor(const std::filesystem::path& location) const;
+
+    Preferences& m_preferences;
+    const PictureCodec& m_codec;
+    DocumentPrompts& m_prompts;
+    RecentDocuments m_recentDocuments;
+    std::vector<DocumentWindow*> m_windows;
+    int m_untitledCount = 0;
+};
+
+} // namespace quillery

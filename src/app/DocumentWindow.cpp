@@ -1,0 +1,292 @@
+#include "app/DocumentWindow.h"
+
+#include "app/DocumentController.h"
+#include "app/DocumentPrompts.h"
+#include "columns/ListViewController.h"
+#include "document/UndoManager.h"
+#include "navigation/MyHorizontalScrollViewController.h"
+#include "navigation/MySplitViewController.h"
+#include "storage/NotebookPackage.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QMenu>
+
+namespace quillery {
+
+namespace {
+
+QString qtPath(const std::filesystem::path& path) {
+    return QString::fromStdString(path.string());
+}
+
+QString errorText(const StorageError& error) {
+    return QString::fromStdString(error.message);
+}
+
+} // namespace
+
+DocumentWindow::DocumentWindow(DocumentController& controller, std::unique_ptr<Document> document,
+                               QString untitledName, QWidget* parent)
+    : QMainWindow(parent)
+    , m_controller(controller)
+    , m_undoManager(std::make_unique<UndoManager>())
+    , m_document(std::move(document))
+    , m_untitledName(std::move(untitledName))
+    , m_actions(DocumentActions::create(*this)) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    setObjectName(QStringLiteral("DocumentWindow"));
+    m_autosaveTimer.setSingleShot(true);
+    m_autosaveTimer.setInterval(kAutosaveDelayMs);
+    connect(&m_autosaveTimer, &QTimer::timeout, this, &DocumentWindow::autosave);
+    connectActions();
+    attachDocument();
+    showContent();
+    // Room for three columns: the opened note, its children and theirs.
+    const int width = splitViewController()->columnWidth();
+    resize(width * 3 + 2, width * 2);
+    updateTitle();
+    updateActions();
+}
+
+// The columns observe the document, so they go first; the document then lets go of the undo
+// history that is about to go too.
+DocumentWindow::~DocumentWindow() {
+    delete takeCentralWidget();
+    detachDocument();
+}
+
+MySplitViewController* DocumentWindow::splitViewController() const {
+    return m_content->splitViewController();
+}
+
+QString DocumentWindow::displayName() const {
+    const auto& location = m_document->fileLocation();
+    return location ? QFileInfo(qtPath(*location)).completeBaseName() : m_untitledName;
+}
+
+bool DocumentWindow::save() {
+    if (!m_document->fileLocation()) {
+        return saveAs();
+    }
+    return saveInPlace();
+}
+
+bool DocumentWindow::saveAs() {
+    const auto location = m_controller.prompts().chooseSaveLocation(this, displayName());
+    if (!location) {
+        return false;
+    }
+    m_autosaveTimer.stop();
+    if (auto error = package::saveTo(*m_document, *location)) {
+        m_controller.prompts().warn(
+            this, tr("The notebook could not be saved as “%1”.").arg(qtPath(location->filename())),
+            errorText(*error));
+        return false;
+    }
+    m_document->markSaved();
+    m_autosaveFailed = false;
+    m_controller.recentDocuments().note(qtPath(*m_document->fileLocation()));
+    updateTitle();
+    updateActions();
+    return true;
+}
+
+void DocumentWindow::revert() {
+    const auto location = m_document->fileLocation();
+    if (!location) {
+        return;
+    }
+    if (m_document->hasUnsavedChanges() &&
+        !m_controller.prompts().confirmRevert(this, displayName())) {
+        return;
+    }
+    auto result = m_controller.readDocument(*location);
+    if (!result.document) {
+        m_controller.prompts().warn(
+            this, tr("The notebook “%1” could not be read again.").arg(displayName()),
+            result.error ? errorText(*result.error) : QString());
+        return;
+    }
+    m_autosaveTimer.stop();
+    delete takeCentralWidget();
+    detachDocument();
+    m_undoManager->removeAllActions();
+    m_document = std::move(result.document);
+    attachDocument();
+    showContent();
+    splitViewController()->makeSplitViewFirstResponder(0);
+    documentDidChange();
+}
+
+void DocumentWindow::closeEvent(QCloseEvent* event) {
+    if (!mayClose()) {
+        event->ignore();
+        return;
+    }
+    m_autosaveTimer.stop();
+    event->accept();
+}
+
+void DocumentWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (!m_shownOnce) {
+        m_shownOnce = true;
+        // After the columns have appeared: the first column takes the keyboard.
+        QTimer::singleShot(0, this,
+                           [this] { splitViewController()->makeSplitViewFirstResponder(0); });
+    }
+}
+
+void DocumentWindow::connectActions() {
+    connect(m_actions.newDocument, &QAction::triggered, &m_controller,
+            [this] { m_controller.newDocument(); });
+    connect(m_actions.open, &QAction::triggered, this,
+            [this] { m_controller.openWithDialog(this); });
+    connect(m_actions.openRecent, &QMenu::aboutToShow, this, &DocumentWindow::fillRecentMenu);
+    connect(m_actions.save, &QAction::triggered, this, &DocumentWindow::save);
+    connect(m_actions.saveAs, &QAction::triggered, this, &DocumentWindow::saveAs);
+    connect(m_actions.revert, &QAction::triggered, this, &DocumentWindow::revert);
+    connect(m_actions.close, &QAction::triggered, this, &QWidget::close);
+    connect(m_actions.quit, &QAction::triggered, &m_controller, &DocumentController::quit);
+    connect(m_actions.undo, &QAction::triggered, this, [this] {
+        if (m_undoManager->canUndo()) {
+            m_undoManager->undo();
+        }
+    });
+    connect(m_actions.redo, &QAction::triggered, this, [this] {
+        if (m_undoManager->canRedo()) {
+            m_undoManager->redo();
+        }
+    });
+    connect(m_actions.addNote, &QAction::triggered, this,
+            [this] { sendToActiveColumn(&ListViewController::didTapAddNode); });
+    connect(m_actions.addNoteBeneath, &QAction::triggered, this,
+            [this] { sendToActiveColumn(&ListViewController::didTapAddNodeBeneath); });
+    connect(m_actions.editNote, &QAction::triggered, this,
+            [this] { sendToActiveColumn(&ListViewController::didTapEditNode); });
+}
+
+void DocumentWindow::attachDocument() {
+    m_document->setUndoManager(m_undoManager.get());
+    m_undoManager->setChangeListener([this] { documentDidChange(); });
+    m_observer = m_document->addObserver([this](const DocumentUpdate&) { documentDidChange(); });
+}
+
+void DocumentWindow::detachDocument() {
+    m_undoManager->setChangeListener({});
+    m_document->removeObserver(m_observer);
+    m_document->setUndoManager(nullptr);
+}
+
+void DocumentWindow::showContent() {
+    m_content = new MyHorizontalScrollViewController(m_document.get());
+    setCentralWidget(m_content);
+    connect(splitViewController(), &MySplitViewController::panelShownChanged, this,
+            &DocumentWindow::updateActions);
+}
+
+void DocumentWindow::documentDidChange() {
+    updateTitle();
+    updateActions();
+    if (m_document->fileLocation() && m_document->hasUnsavedChanges()) {
+        m_autosaveTimer.start();
+    }
+}
+
+void DocumentWindow::updateTitle() {
+    setWindowTitle(displayName() + QStringLiteral("[*]"));
+    setWindowModified(m_document->hasUnsavedChanges());
+}
+
+void DocumentWindow::updateActions() {
+    // While a panel is open the columns are disabled, and the history must not move under it.
+    const bool browsing = splitViewController()->panel() == nullptr;
+    const bool canUndo = browsing && m_undoManager->canUndo();
+    const bool canRedo = browsing && m_undoManager->canRedo();
+    const QString undoName = QString::fromStdString(m_undoManager->undoActionName());
+    const QString redoName = QString::fromStdString(m_undoManager->redoActionName());
+    m_actions.undo->setEnabled(canUndo);
+    m_actions.undo->setText(canUndo && !undoName.isEmpty() ? tr("&Undo %1").arg(undoName)
+                                                           : tr("&Undo"));
+    m_actions.redo->setEnabled(canRedo);
+    m_actions.redo->setText(canRedo && !redoName.isEmpty() ? tr("&Redo %1").arg(redoName)
+                                                           : tr("&Redo"));
+    m_actions.addNote->setEnabled(browsing);
+    m_actions.addNoteBeneath->setEnabled(browsing);
+    m_actions.editNote->setEnabled(browsing);
+    m_actions.revert->setEnabled(m_document->fileLocation().has_value());
+}
+
+void DocumentWindow::autosave() {
+    if (m_document->fileLocation() && m_document->hasUnsavedChanges()) {
+        saveInPlace();
+    }
+}
+
+bool DocumentWindow::saveInPlace() {
+    m_autosaveTimer.stop();
+    if (auto error = package::saveInPlace(*m_document)) {
+        if (!m_autosaveFailed) {
+            m_autosaveFailed = true;
+            m_controller.prompts().warn(
+                this, tr("The notebook “%1” could not be saved.").arg(displayName()),
+                errorText(*error));
+        }
+        return false;
+    }
+    m_autosaveFailed = false;
+    m_document->markSaved();
+    updateTitle();
+    return true;
+}
+
+bool DocumentWindow::mayClose() {
+    if (!m_document->hasUnsavedChanges()) {
+        return true;
+    }
+    if (m_document->fileLocation() && saveInPlace()) {
+        return true;
+    }
+    switch (m_controller.prompts().askToSaveChanges(this, displayName())) {
+    case DocumentPrompts::SaveChoice::Save:
+        return saveAs();
+    case DocumentPrompts::SaveChoice::Discard:
+        return true;
+    case DocumentPrompts::SaveChoice::Cancel:
+        return false;
+    }
+    return false;
+}
+
+void DocumentWindow::fillRecentMenu() {
+    QMenu* menu = m_actions.openRecent;
+    menu->clear();
+    const QStringList paths = m_controller.recentDocuments().paths();
+    for (const QString& path : paths) {
+        QAction* action = menu->addAction(QFileInfo(path).completeBaseName());
+        action->setToolTip(path);
+        action->setStatusTip(path);
+        connect(action, &QAction::triggered, this, [this, path] {
+            if (!m_controller.openDocument(path.toStdString(), this)) {
+                m_controller.recentDocuments().remove(path);
+            }
+        });
+    }
+    if (paths.isEmpty()) {
+        menu->addAction(tr("No Recent Notebooks"))->setEnabled(false);
+        return;
+    }
+    menu->addSeparator();
+    connect(menu->addAction(tr("&Clear Menu")), &QAction::triggered, this,
+            [this] { m_controller.recentDocuments().clear(); });
+}
+
+void DocumentWindow::sendToActiveColumn(void (ListViewController::*command)()) {
+    if (ListViewController* column = splitViewController()->activeColumn()) {
+        (column->*command)();
+    }
+}
+
+} // namespace quillery

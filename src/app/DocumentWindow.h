@@ -1,0 +1,77 @@
+#pragma once
+
+#include "app/DocumentActions.h"
+#include "document/Document.h"
+
+#include <QMainWindow>
+#include <QTimer>
+
+#include <memory>
+
+namespace quillery {
+
+class DocumentController;
+class ListViewController;
+class MyHorizontalScrollViewController;
+class MySplitViewController;
+class UndoManager;
+
+// One open notebook: owns its document and undo history and shows the columns. Saves in place a
+// moment after each change once the notebook has a location; an untitled notebook is saved only
+// when the user says so, and closing it with changes asks first.
+class DocumentWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    static constexpr int kAutosaveDelayMs = 1000;
+
+    // untitledName names a notebook that has no location yet.
+    DocumentWindow(DocumentController& controller, std::unique_ptr<Document> document,
+                   QString untitledName, QWidget* parent = nullptr);
+    ~DocumentWindow() override;
+
+    Document& document() const { return *m_document; }
+    UndoManager& undoManager() const { return *m_undoManager; }
+    const DocumentActions& actions() const { return m_actions; }
+    MyHorizontalScrollViewController* scrollViewController() const { return m_content; }
+    MySplitViewController* splitViewController() const;
+    // The package's name without ".quillery", or the untitled name.
+    QString displayName() const;
+
+    // Each returns whether the notebook is now saved; failures were shown to the user.
+    bool save();
+    bool saveAs();
+    void revert();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void connectActions();
+    void attachDocument();
+    void detachDocument();
+    void showContent();
+    void documentDidChange();
+    void updateTitle();
+    void updateActions();
+    void autosave();
+    bool saveInPlace();
+    bool mayClose();
+    void fillRecentMenu();
+    void sendToActiveColumn(void (ListViewController::*command)());
+
+    DocumentController& m_controller;
+    std::unique_ptr<UndoManager> m_undoManager;
+    std::unique_ptr<Document> m_document;
+    Document::ObserverId m_observer = 0;
+    QString m_untitledName;
+    MyHorizontalScrollViewController* m_content = nullptr;
+    DocumentActions m_actions;
+    QTimer m_autosaveTimer;
+    // One warning per run of failing autosaves, not one per change.
+    bool m_autosaveFailed = false;
+    bool m_shownOnce = false;
+};
+
+} // namespace quillery

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "storage/PictureCodec.h"
+
+namespace quillery {
+
+// Decodes pictures with Qt's image readers (JPEG, PNG, TIFF and whatever plugins are installed)
+// into QtPicture values, turned upright by their orientation tag.
+class QtPictureCodec : public PictureCodec {
+public:
+    QtPictureCodec();
+
+    // Pictures larger than kMaxSide on a side are decoded scaled down to it: nothing shows
+    // them larger, and a 20000-pixel photo would otherwise hold 1.6 GB.
+    static constexpr int kMaxSide = 4096;
+
+    PicturePtr decode(std::span<const std::uint8_t> bytes) const override;
+    PicturePtr placeholder() const override { return m_placeholder; }
+
+private:
+    PicturePtr m_placeholder;
+};
+
+} // namespace quillery

@@ -1,0 +1,247 @@
+#include "navigation/MySplitViewController.h"
+
+#include "columns/ImageDetailViewController.h"
+#include "columns/ListViewController.h"
+#include "columns/QtPicture.h"
+#include "document/Document.h"
+#include "navigation/MySplitViewControllerDelegate.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QTimer>
+
+namespace quillery {
+
+namespace {
+
+// Widths in ems of the body font: wide enough for a short paragraph per row, narrow enough that
+// three or four columns fit a laptop screen. Panels get more room for editing.
+constexpr double kColumnWidthEm = 22.0;
+constexpr double kPanelWidthEm = 33.0;
+
+} // namespace
+
+MySplitViewController::MySplitViewController(Document* document, QWidget* parent)
+    : QWidget(parent)
+    , m_document(document)
+    , m_layout(new QHBoxLayout(this))
+    , m_slots(*this) {
+    setObjectName(QStringLiteral("MySplitViewController"));
+    setAccessibleName(tr("Columns"));
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    // One pixel between items, where paintEvent draws the divider.
+    m_layout->setSpacing(1);
+    m_layout->addStretch(1);
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* now) { noteFocus(now); });
+}
+
+// Columns and panels are children and go with the widget; nothing else to release. Spelled out
+// so that the ListViewController type is complete where the pointers die.
+MySplitViewController::~MySplitViewController() = default;
+
+NodePtr MySplitViewController::rootNode() const {
+    return m_document ? m_document->rootNode() : nullptr;
+}
+
+ListViewController* MySplitViewController::column(int depth) const {
+    const auto& all = items();
+    if (depth < 0 || depth >= static_cast<int>(all.size())) {
+        return nullptr;
+    }
+    return qobject_cast<ListViewController*>(all[static_cast<std::size_t>(depth)]);
+}
+
+QWidget* MySplitViewController::panel() const {
+    return m_slots.panel().value_or(nullptr);
+}
+
+ListViewController* MySplitViewController::activeColumn() const {
+    if (panel()) {
+        return nullptr;
+    }
+    for (QWidget* widget = window()->focusWidget(); widget; widget = widget->parentWidget()) {
+        if (auto* found = qobject_cast<ListViewController*>(widget);
+            found && found->parentWidget() == this) {
+            return found;
+        }
+    }
+    const auto& all = items();
+    if (m_lastActiveColumn && std::ranges::find(all, m_lastActiveColumn.data()) != all.end()) {
+        return m_lastActiveColumn;
+    }
+    return column(0);
+}
+
+void MySplitViewController::present(QWidget* panel, int depth) {
+    if (!m_slots.present(panel, depth)) {
+        panel->deleteLater();
+        return;
+    }
+    emit panelShownChanged(true);
+}
+
+void MySplitViewController::dismissModalViewController() {
+    if (!panel()) {
+        return;
+    }
+    m_slots.dismiss();
+    emit panelShownChanged(false);
+}
+
+void MySplitViewController::makeSplitViewFirstResponder(int index) {
+    m_slots.focus(index);
+}
+
+int MySplitViewController::columnWidth() const {
+    return qRound(fontInfo().pixelSize() * kColumnWidthEm);
+}
+
+int MySplitViewController::panelWidth() const {
+    return qRound(fontInfo().pixelSize() * kPanelWidthEm);
+}
+
+void MySplitViewController::listViewControllerDidSelectNode(ListViewController& column,
+                                                            const NodePtr& node) {
+    m_slots.select(column.nodeDepth(), node);
+}
+
+void MySplitViewController::listViewControllerDidDoubleClickNode(ListViewController& column,
+                                                                 const NodePtr& node) {
+    if (!m_document || !node || !node->imageIdentifier()) {
+        return;
+    }
+    const PicturePtr picture = m_document->image(*node->imageIdentifier());
+    if (!picture) {
+        return;
+    }
+    auto* imagePanel = new ImageDetailViewController;
+    imagePanel->setObjectName(QStringLiteral("ImageDetailViewController"));
+    imagePanel->setImage(QtPicture::imageOf(picture));
+    imagePanel->setDelegate(this);
+    present(imagePanel, column.nodeDepth() + 1);
+}
+
+void MySplitViewController::listViewControllerDidClearSelectedNode(ListViewController& column) {
+    m_slots.clearSelection(column.nodeDepth());
+}
+
+void MySplitViewController::listViewControllerDidTapMoveLeft(ListViewController& column) {
+    m_slots.moveLeft(column.nodeDepth());
+}
+
+void MySplitViewController::listViewControllerDidTapMoveRight(ListViewController& column) {
+    m_slots.moveRight(column.nodeDepth());
+}
+
+void MySplitViewController::listViewControllerWantsToPresentViewController(
+    ListViewController& column, QWidget* panel) {
+    present(panel, column.nodeDepth() + 1);
+}
+
+// The panel passed is not compared with the one shown: there is only ever one.
+void MySplitViewController::listViewControllerWantsToDismissViewController(ListViewController&,
+                                                                           QWidget*) {
+    dismissModalViewController();
+}
+
+void MySplitViewController::imageDetailViewControllerDidTapDone(ImageDetailViewController&) {
+    dismissModalViewController();
+}
+
+void MySplitViewController::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    m_slots.loadRootNode(rootNode());
+}
+
+void MySplitViewController::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Mid));
+    for (QWidget* item : items()) {
+        const int x = item->geometry().right() + 1;
+        painter.drawLine(x, 0, x, height());
+    }
+}
+
+void MySplitViewController::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        applyWidths();
+    }
+}
+
+QWidget* MySplitViewController::makeColumn(const NodePtr& node, int depth) {
+    auto* column = new ListViewController(m_document, this);
+    column->setObjectName(QStringLiteral("column%1").arg(depth));
+    column->setRepresentedNode(node);
+    column->setNodeDepth(depth);
+    column->setDelegate(this);
+    column->hide();
+    return column;
+}
+
+bool MySplitViewController::isColumn(QWidget* const& item) const {
+    return qobject_cast<ListViewController*>(item) != nullptr;
+}
+
+void MySplitViewController::appendItem(QWidget* const& item) {
+    item->setFixedWidth(isColumn(item) ? columnWidth() : panelWidth());
+    // Before the trailing stretch, which keeps the items at the left.
+    m_layout->insertWidget(m_layout->count() - 1, item);
+    item->show();
+    update();
+}
+
+void MySplitViewController::removeItem(QWidget* const& item, bool closing) {
+    m_layout->removeWidget(item);
+    item->hide();
+    if (closing) {
+        // A column may be closed from inside one of its own signal handlers.
+        item->deleteLater();
+    }
+    update();
+}
+
+void MySplitViewController::setColumnEnabled(QWidget* const& item, bool enabled) {
+    static_cast<ListViewController*>(item)->setColumnEnabled(enabled);
+}
+
+void MySplitViewController::focusColumn(QWidget* const& item) {
+    auto* column = static_cast<ListViewController*>(item);
+    m_lastActiveColumn = column;
+    column->makeFirstResponder();
+}
+
+void MySplitViewController::scrollToItem(QWidget* const& item) {
+    if (!m_delegate) {
+        return;
+    }
+    // The geometry must reflect the items added on this turn.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    m_layout->activate();
+    m_delegate->mySplitViewControllerWantsToScrollToRect(*this, item->geometry());
+}
+
+void MySplitViewController::later(std::function<void()> step) {
+    QTimer::singleShot(0, this, std::move(step));
+}
+
+void MySplitViewController::applyWidths() {
+    for (QWidget* item : items()) {
+        item->setFixedWidth(isColumn(item) ? columnWidth() : panelWidth());
+    }
+}
+
+void MySplitViewController::noteFocus(QWidget* now) {
+    for (QWidget* widget = now; widget; widget = widget->parentWidget()) {
+        if (auto* found = qobject_cast<ListViewController*>(widget);
+            found && found->parentWidget() == this) {
+            m_lastActiveColumn = found;
+            return;
+        }
+    }
+}
+
+} // namespace quillery
