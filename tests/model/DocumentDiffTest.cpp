@@ -2,6 +2,7 @@
 
 #include "document/Diagnostics.h"
 #include "model/JournalMerge.h"
+#include "model/PlainDictionaryPrinter.h"
 
 #include <gtest/gtest.h>
 
