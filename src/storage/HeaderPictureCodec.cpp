@@ -102,18 +102,17 @@ Size tiffSize(Bytes bytes) {
 }
 
 Size webpSize(Bytes bytes) {
-    if (bytes.size() < 30)
-        return {};
-    if (std::memcmp(bytes.data() + 12, "VP8X", 4) == 0)
-        return {littleEndian(bytes, 24, 3).value_or(0) + 1,
-                littleEndian(bytes, 27, 3).value_or(0) + 1};
-    if (std::memcmp(bytes.data() + 12, "VP8L", 4) == 0) {
-        std::uint32_t bits = littleEndian(bytes, 21, 4).value_or(0);
+    auto chunk = [&](std::string_view name) {
+        return bytes.size() >= 16 && std::memcmp(bytes.data() + 12, name.data(), 4) == 0;
+    };
+    if (chunk("VP8X") && bytes.size() >= 30)
+        return {*littleEndian(bytes, 24, 3) + 1, *littleEndian(bytes, 27, 3) + 1};
+    if (chunk("VP8L") && bytes.size() >= 25) {
+        std::uint32_t bits = *littleEndian(bytes, 21, 4);
         return {(bits & 0x3FFF) + 1, ((bits >> 14) & 0x3FFF) + 1};
     }
-    if (std::memcmp(bytes.data() + 12, "VP8 ", 4) == 0)
-        return {littleEndian(bytes, 26, 2).value_or(0) & 0x3FFF,
-                littleEndian(bytes, 28, 2).value_or(0) & 0x3FFF};
+    if (chunk("VP8 ") && bytes.size() >= 30)
+        return {*littleEndian(bytes, 26, 2) & 0x3FFF, *littleEndian(bytes, 28, 2) & 0x3FFF};
     return {};
 }
 

@@ -223,8 +223,9 @@ std::optional<StorageError> PackageWriter::buildPackage(Document& document,
 std::optional<StorageError> PackageWriter::carryOver(Document& document,
                                                      const std::filesystem::path& from,
                                                      const std::filesystem::path& to) {
-    // Other journals and any other top-level regular file travel byte for byte; a file that
-    // cannot be carried is reported and left out, as are directories and links.
+    // Other journals and any other top-level regular file travel byte for byte. A journal that
+    // cannot be carried fails the save; any other file is reported and left out. Directories and
+    // links are not carried.
     diagnostics::writeLine("fileURL = " + from.string());
     std::vector<DirectoryEntry> entries;
     if (m_files.listDirectory(resolvedPackage(from), entries))
@@ -237,9 +238,12 @@ std::optional<StorageError> PackageWriter::carryOver(Document& document,
             entry.name.find(ownJournal) != std::string::npos ||
             package_layout::isTemporaryName(entry.name))
             continue;
-        if (m_files.copyFile(resolvedPackage(from) / entry.name, to / entry.name)) {
+        if (auto error = m_files.copyFile(resolvedPackage(from) / entry.name, to / entry.name)) {
             m_files.removeFile(to / entry.name);
             diagnostics::writeLine("Error fileURL :" + source.string());
+            // Leaving out another client's journal would lose its records.
+            if (package_layout::isJournalName(entry.name))
+                return writeError(error, "Couldn't carry over the journal “" + entry.name + "”");
         }
     }
     return std::nullopt;
@@ -253,8 +257,17 @@ std::optional<StorageError> PackageWriter::saveTo(Document& document,
     std::filesystem::path parent = location.parent_path();
     if (parent.empty())
         parent = ".";
+    // Built under ".<name>.<random>.quillery-tmp"; one left by an earlier save to the same
+    // location that was stopped part-way is cleared first.
+    const std::string buildingPrefix = "." + location.filename().string() + ".";
+    std::vector<DirectoryEntry> siblings;
+    if (!m_files.listDirectory(parent, siblings))
+        for (const DirectoryEntry& sibling : siblings)
+            if (sibling.type == EntryType::directory && sibling.name.starts_with(buildingPrefix) &&
+                package_layout::isTemporaryName(sibling.name))
+                m_files.removeTree(parent / sibling.name);
     const std::filesystem::path building =
-        parent / ("." + location.filename().string() + "." + Identifier::makeRandom().toString() +
+        parent / (buildingPrefix + Identifier::makeRandom().toString() +
                   std::string(package_layout::kTemporarySuffix));
     if (auto error = m_files.createDirectory(building))
         return writeError(error, "Couldn't save the notebook " + quoted(location));

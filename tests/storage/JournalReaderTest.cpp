@@ -1,0 +1,156 @@
+#include "storage/JournalReader.h"
+
+#include "document/Diagnostics.h"
+#include "storage/NotebookPackage.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace quillery {
+namespace {
+
+constexpr const char* kStamp = "2017-03-04T09:15:02GMT";
+
+std::string journalWith(const std::string& diffs) {
+    return R"({"schema": "1.0", "version": 1, "client": "C", "last_modified": ")" +
+           std::string(kStamp) + R"(", "diffs": )" + diffs + "}";
+}
+
+std::string record(const std::string& extra = "") {
+    return R"({"timestamp": ")" + std::string(kStamp) + R"(", "identifier": "N1")" + extra + "}";
+}
+
+struct ReadFailure {
+    const char* name;
+    std::string bytes;
+    const char* domain;
+    long code;
+    const char* messagePart;
+    bool writesBadDiff;
+};
+
+void PrintTo(const ReadFailure& failure, std::ostream* out) {
+    *out << failure.name;
+}
+
+class JournalReadFailureTest : public ::testing::TestWithParam<ReadFailure> {};
+
+TEST_P(JournalReadFailureTest, FailsWithDomainCodeAndJournalName) {
+    const ReadFailure& failure = GetParam();
+    std::vector<std::string> lines;
+    diagnostics::ScopedSink sink([&](std::string_view line) { lines.emplace_back(line); });
+    std::vector<DocumentDiff> diffs;
+
+    auto error = package::diffsFromData(failure.bytes, "C.journal", diffs);
+
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->domain, failure.domain);
+    EXPECT_EQ(error->code, failure.code);
+    EXPECT_NE(error->message.find("“C.journal”"), std::string::npos) << error->message;
+    EXPECT_NE(error->message.find(failure.messagePart), std::string::npos) << error->message;
+    EXPECT_EQ(lines, failure.writesBadDiff ? std::vector<std::string>{"Bad diff."}
+                                           : std::vector<std::string>{});
+    EXPECT_TRUE(diffs.empty());
+}
+
+const char* const kJson = "NSCocoaErrorDomain";
+const char* const kOSStatus = "NSOSStatusErrorDomain";
+
+INSTANTIATE_TEST_SUITE_P(
+    Journals, JournalReadFailureTest,
+    ::testing::Values(
+        ReadFailure{"NotJson", "this is not JSON", kJson, 3840, "not valid JSON", false},
+        ReadFailure{"Truncated", journalWith("[" + record()), kJson, 3840, "not valid JSON", false},
+        ReadFailure{"TrailingText", journalWith("[]") + " x", kJson, 3840, "not valid JSON", false},
+        ReadFailure{"TwoObjects", journalWith("[]") + " {}", kJson, 3840, "not valid JSON", false},
+        ReadFailure{"BadValueInUnknownKey", journalWith("[" + record(R"(, "x": [1 2])") + "]"),
+                    kJson, 3840, "not valid JSON", false},
+        ReadFailure{"BadValueInHeader", R"({"version": tru, "diffs": []})", kJson, 3840,
+                    "not valid JSON", false},
+        ReadFailure{"InvalidUtf8", journalWith("[" + record(", \"text\": \"\xC3\x28\"") + "]"),
+                    kJson, 3840, "not valid JSON", false},
+        ReadFailure{"TopLevelArray", "[]", kOSStatus, -4, "top level", false},
+        ReadFailure{"TopLevelText", "\"diffs\"", kOSStatus, -4, "top level", false},
+        ReadFailure{"NoDiffs", R"({"schema": "1.0"})", kOSStatus, -4, "no \"diffs\"", false},
+        ReadFailure{"DiffsNotList", journalWith("{}"), kOSStatus, -4, "not a list", false},
+        ReadFailure{"NumberInsteadOfRecord", journalWith("[" + record() + ", 7]"), kOSStatus, -4,
+                    "element 2", false},
+        ReadFailure{"NoIdentifier", journalWith(R"([{"timestamp": "2017-03-04T09:15:02GMT"}])"),
+                    kOSStatus, -4, "record 1", true},
+        ReadFailure{"IdentifierNotText",
+                    journalWith(R"([{"timestamp": "2017-03-04T09:15:02GMT", "identifier": 4}])"),
+                    kOSStatus, -4, "record 1", true},
+        ReadFailure{"StampIsNumber", journalWith(R"([{"timestamp": 5, "identifier": "N"}])"),
+                    kOSStatus, -4, "record 1", true},
+        ReadFailure{"StampWithoutT",
+                    journalWith(R"([{"timestamp": "2017-03-04 09:15:02GMT", "identifier": "N"}])"),
+                    kOSStatus, -4, "record 1", true},
+        ReadFailure{"BadRecordAmongGood",
+                    journalWith("[" + record() + R"(, {"identifier": "N2"}, )" + record() + "]"),
+                    kOSStatus, -4, "record 2", true},
+        // The shape of the whole list is checked before any record is judged.
+        ReadFailure{"BadRecordThenNumber", journalWith(R"([{"identifier": "N2"}, 3])"), kOSStatus,
+                    -4, "element 2", false}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+class JournalReaderTest : public ::testing::Test {
+protected:
+    std::vector<DocumentDiff> read(const std::string& bytes) {
+        std::vector<DocumentDiff> diffs;
+        auto error = m_reader.read(bytes, "C.journal", diffs);
+        EXPECT_FALSE(error) << error->message;
+        return diffs;
+    }
+
+    JournalReader m_reader;
+};
+
+TEST_F(JournalReaderTest, EmptyDiffsReadAsNoRecords) {
+    EXPECT_TRUE(read(journalWith("[]")).empty());
+}
+
+TEST_F(JournalReaderTest, RecordKeepsEveryOtherKeyAsPayload) {
+    auto diffs = read(journalWith(
+        "[" +
+        record(R"(, "text": "a\n\"b\"", "destroy": true, "n": 1.50, "list": [1, {"k": null}])") +
+        "]"));
+
+    ASSERT_EQ(diffs.size(), 1u);
+    EXPECT_EQ(diffs[0].identifier, "N1");
+    EXPECT_EQ(diffs[0].timestamp, DateFromString(kStamp));
+    PlainDictionary expected{{"text", "a\n\"b\""},
+                             {"destroy", true},
+                             {"n", RawJson{"1.50"}},
+                             {"list", RawJson{R"([1, {"k": null}])"}}};
+    EXPECT_EQ(diffs[0].payload, expected);
+}
+
+TEST_F(JournalReaderTest, RecordWithOnlyStampAndIdentifierHasEmptyPayload) {
+    auto diffs = read(journalWith("[" + record() + "]"));
+    ASSERT_EQ(diffs.size(), 1u);
+    EXPECT_TRUE(diffs[0].payload.empty());
+}
+
+TEST_F(JournalReaderTest, KeysOutsideDiffsAreNotExamined) {
+    EXPECT_EQ(read(R"({"diffs": [], "schema": 9, "version": "x", "extra": {"a": [true]}})").size(),
+              0u);
+}
+
+TEST_F(JournalReaderTest, ReaderIsReusableAfterAFailure) {
+    std::vector<DocumentDiff> diffs;
+    diagnostics::ScopedSink quiet([](std::string_view) {});
+    EXPECT_TRUE(m_reader.read(std::string("{"), "C.journal", diffs));
+    EXPECT_EQ(read(journalWith("[" + record() + "," + record() + "]")).size(), 2u);
+}
+
+TEST_F(JournalReaderTest, EscapedKeysAndTextsAreDecoded) {
+    auto diffs = read(journalWith(
+        R"([{"time\u0073tamp": "2017-03-04T09:15:02GMT", "identifier": "N\u00e9", "t\u0065xt": "\ud83d\ude00"}])"));
+    ASSERT_EQ(diffs.size(), 1u);
+    EXPECT_EQ(diffs[0].identifier, "N\xC3\xA9");
+    EXPECT_EQ(diffs[0].payload.find("text")->text(), "\xF0\x9F\x98\x80");
+}
+
+} // namespace
+} // namespace quillery
