@@ -1,6 +1,6 @@
 #include "app/AboutViewController.h"
 
-#include "app/AppDelegate.h"
+#include "app/AppInfo.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -24,12 +24,11 @@ QPushButton* makeLinkButton(QWidget* parent, const QString& text, const QString&
     return button;
 }
 
-void styleLink(QPushButton& button, bool underlined) {
+void styleLink(QPushButton& button, bool underlined, const QColor& link) {
     QFont font = button.font();
     font.setUnderline(underlined);
     button.setFont(font);
     QPalette palette = button.palette();
-    const QColor link = palette.color(QPalette::Link);
     palette.setColor(QPalette::ButtonText, link);
     palette.setColor(QPalette::WindowText, link);
     button.setPalette(palette);
@@ -41,8 +40,8 @@ AboutViewController::AboutViewController(QWidget* parent)
     : QDialog(parent)
     , m_versionLabel(new QLabel(this))
     , m_siteLinkButton(
-          makeLinkButton(this, AppDelegate::siteUrl().toString(), QStringLiteral("siteLinkButton")))
-    , m_socialLinkButton(makeLinkButton(this, QStringLiteral("@") + AppDelegate::socialHandle(),
+          makeLinkButton(this, AppInfo::siteUrl().toString(), QStringLiteral("siteLinkButton")))
+    , m_socialLinkButton(makeLinkButton(this, QStringLiteral("@") + AppInfo::socialHandle(),
                                         QStringLiteral("socialLinkButton")))
     , m_urlOpener([](const QUrl& url) { return QDesktopServices::openUrl(url); }) {
     setObjectName(QStringLiteral("AboutViewController"));
@@ -61,7 +60,7 @@ AboutViewController::AboutViewController(QWidget* parent)
     name->setAlignment(Qt::AlignCenter);
 
     m_versionLabel->setObjectName(QStringLiteral("versionLabel"));
-    m_versionLabel->setText(versionText(AppDelegate::version(), AppDelegate::buildNumber()));
+    m_versionLabel->setText(AppInfo::versionText(AppInfo::version(), AppInfo::buildNumber()));
     m_versionLabel->setAlignment(Qt::AlignCenter);
     m_versionLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
@@ -90,21 +89,19 @@ void AboutViewController::setUrlOpener(UrlOpener opener) {
     m_urlOpener = std::move(opener);
 }
 
-QString AboutViewController::versionText(const QString& version, const QString& build) {
-    return tr("Version %1 (%2)").arg(version, build);
-}
-
 void AboutViewController::didTapSiteLink() {
-    m_urlOpener(AppDelegate::siteUrl());
+    m_urlOpener(AppInfo::siteUrl());
 }
 
 void AboutViewController::didTapSocialLink() {
-    m_urlOpener(AppDelegate::socialUrl());
+    m_urlOpener(AppInfo::socialUrl());
 }
 
 void AboutViewController::styleLinks() {
-    styleLink(*m_siteLinkButton, true);
-    styleLink(*m_socialLinkButton, false);
+    // The panel's palette, which is up to date before its children's when it changes.
+    const QColor link = palette().color(QPalette::Link);
+    styleLink(*m_siteLinkButton, true, link);
+    styleLink(*m_socialLinkButton, false, link);
 }
 
 void AboutViewController::changeEvent(QEvent* event) {

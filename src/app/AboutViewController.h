@@ -22,9 +22,6 @@ public:
 
     void setUrlOpener(UrlOpener opener);
 
-    // "Version VERSION (BUILD)".
-    static QString versionText(const QString& version, const QString& build);
-
     QLabel* versionLabel() const { return m_versionLabel; }
     QPushButton* siteLinkButton() const { return m_siteLinkButton; }
     QPushButton* socialLinkButton() const { return m_socialLinkButton; }

@@ -1,12 +1,11 @@
 #include "app/AppDelegate.h"
 
 #include "app/AboutViewController.h"
-#include "app/AppConfig.h"
+#include "app/AppInfo.h"
 #include "columns/ListViewController.h"
 
 #include <QApplication>
 #include <QDesktopServices>
-#include <QPointer>
 
 namespace quillery {
 
@@ -43,16 +42,16 @@ void AppDelegate::didTapAddNode() {
 
 // Whether a program took the address is not reported; there is nothing the user could do.
 void AppDelegate::showHelp() {
-    m_urlOpener(helpUrl());
+    m_urlOpener(AppInfo::helpUrl());
 }
 
 void AppDelegate::didTapSendFeedback() {
-    m_urlOpener(QUrl(
-        feedbackMailAddress(QString::fromUtf8(config::kFeedbackEmail), version(), buildNumber())));
+    m_urlOpener(QUrl(AppInfo::feedbackMailAddress(AppInfo::feedbackEmail(), AppInfo::version(),
+                                                  AppInfo::buildNumber())));
 }
 
 void AppDelegate::didTapSendFeedbackViaSocialNetwork() {
-    m_urlOpener(socialUrl());
+    m_urlOpener(AppInfo::socialUrl());
 }
 
 void AppDelegate::showAbout(QWidget* parent) {
@@ -66,37 +65,6 @@ void AppDelegate::showAbout(QWidget* parent) {
     m_about->show();
     m_about->raise();
     m_about->activateWindow();
-}
-
-QString AppDelegate::version() {
-    return QString::fromUtf8(config::kVersion);
-}
-
-QString AppDelegate::buildNumber() {
-    return QString::fromUtf8(config::kBuildNumber);
-}
-
-QUrl AppDelegate::helpUrl() {
-    return QUrl(QString::fromUtf8(config::kHelpUrl));
-}
-
-QUrl AppDelegate::siteUrl() {
-    return QUrl(QString::fromUtf8(config::kSiteUrl));
-}
-
-QUrl AppDelegate::socialUrl() {
-    return QUrl(QString::fromUtf8(config::kSocialUrl));
-}
-
-QString AppDelegate::socialHandle() {
-    return QString::fromUtf8(config::kSocialHandle);
-}
-
-QString AppDelegate::feedbackMailAddress(const QString& email, const QString& version,
-                                         const QString& build) {
-    return QStringLiteral("mailto:") + email + QStringLiteral("?subject=") +
-           QStringLiteral("Feedback%20on%20Quillery%20Linux%20") + version +
-           QStringLiteral("%20(") + build + QStringLiteral(")");
 }
 
 } // namespace quillery

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QString>
 #include <QUrl>
 
 #include <functional>
@@ -40,17 +39,6 @@ public:
 
     // The column that contains the widget, if any.
     static ListViewController* columnContaining(QWidget* widget);
-
-    static QString version();
-    static QString buildNumber();
-    static QUrl helpUrl();
-    static QUrl siteUrl();
-    static QUrl socialUrl();
-    static QString socialHandle();
-    // "mailto:ADDRESS?subject=Feedback%20on%20Quillery%20Linux%20VERSION%20(BUILD)"; the version
-    // and build go in as they are.
-    static QString feedbackMailAddress(const QString& email, const QString& version,
-                                       const QString& build);
 
 private:
     UrlOpener m_urlOpener;

@@ -1,0 +1,157 @@
+#include "app/AboutViewController.h"
+#include "app/AppDelegate.h"
+#include "app/AppInfo.h"
+#include "columns/ListViewController.h"
+#include "document/Document.h"
+#include "document/InMemoryPreferences.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+#include <QUrlQuery>
+
+#include <gtest/gtest.h>
+#include <ostream>
+#include <vector>
+
+QT_BEGIN_NAMESPACE
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
+QT_END_NAMESPACE
+
+namespace quillery {
+namespace {
+
+TEST(FeedbackAddress, NamesThePlatformVersionAndBuild) {
+    const QString address = AppInfo::feedbackMailAddress(
+        QStringLiteral("feedback@example.org"), QStringLiteral("2.0"), QStringLiteral("100"));
+    EXPECT_EQ(address, QStringLiteral("mailto:feedback@example.org?subject=Feedback%20on%20Quillery"
+                                      "%20Linux%202.0%20(100)"));
+    const QUrl url(address);
+    ASSERT_TRUE(url.isValid());
+    EXPECT_EQ(url.scheme(), QStringLiteral("mailto"));
+    EXPECT_EQ(url.path(), QStringLiteral("feedback@example.org"));
+    EXPECT_EQ(QUrlQuery(url).queryItemValue(QStringLiteral("subject"), QUrl::FullyDecoded),
+              QStringLiteral("Feedback on Quillery Linux 2.0 (100)"));
+}
+
+TEST(VersionText, ShowsVersionAndBuild) {
+    EXPECT_EQ(AppInfo::versionText(QStringLiteral("2.0"), QStringLiteral("100")),
+              QStringLiteral("Version 2.0 (100)"));
+}
+
+TEST(AppInfo, HelpPageIsTheSitesHelpSection) {
+    EXPECT_TRUE(AppInfo::helpUrl().isValid());
+    EXPECT_TRUE(AppInfo::helpUrl().toString().endsWith(QStringLiteral("/#help")));
+}
+
+// Records the addresses the shell asks the desktop to open.
+class OpenedUrls {
+public:
+    std::function<bool(const QUrl&)> opener() {
+        return [this](const QUrl& url) {
+            urls.push_back(url);
+            return true;
+        };
+    }
+    std::vector<QUrl> urls;
+};
+
+class AppDelegateActions : public ::testing::Test {
+protected:
+    AppDelegateActions() {
+        delegate.setUrlOpener(opened.opener());
+        delegate.setNewDocumentHandler([this] { ++newDocuments; });
+    }
+
+    OpenedUrls opened;
+    AppDelegate delegate;
+    int newDocuments = 0;
+};
+
+TEST_F(AppDelegateActions, EachActionOpensItsAddress) {
+    delegate.showHelp();
+    delegate.didTapSendFeedback();
+    delegate.didTapSendFeedbackViaSocialNetwork();
+    ASSERT_EQ(opened.urls.size(), 3u);
+    EXPECT_EQ(opened.urls[0], AppInfo::helpUrl());
+    EXPECT_EQ(opened.urls[1].toString(QUrl::FullyEncoded),
+              AppInfo::feedbackMailAddress(AppInfo::feedbackEmail(), AppInfo::version(),
+                                           AppInfo::buildNumber()));
+    EXPECT_EQ(opened.urls[2], AppInfo::socialUrl());
+}
+
+TEST_F(AppDelegateActions, AddNoteWithoutAFocusedColumnMakesANewNotebook) {
+    QWidget elsewhere;
+    elsewhere.setFocusPolicy(Qt::StrongFocus);
+    elsewhere.show();
+    elsewhere.activateWindow();
+    elsewhere.setFocus();
+    delegate.didTapAddNode();
+    EXPECT_EQ(newDocuments, 1);
+}
+
+TEST_F(AppDelegateActions, AddNoteWithAFocusedColumnIsTheColumns) {
+    InMemoryPreferences preferences;
+    Document document(preferences);
+    ListViewController column(&document);
+    column.setRepresentedNode(document.rootNode());
+    column.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&column));
+    column.activateWindow();
+    column.makeFirstResponder();
+    QCoreApplication::processEvents();
+    ASSERT_EQ(AppDelegate::columnContaining(QApplication::focusWidget()), &column);
+    delegate.didTapAddNode();
+    EXPECT_EQ(newDocuments, 0);
+}
+
+class AboutPanel : public ::testing::Test {
+protected:
+    AboutPanel() { panel.setUrlOpener(opened.opener()); }
+
+    static QColor textColour(const QPushButton& button) {
+        return button.palette().color(QPalette::ButtonText);
+    }
+
+    OpenedUrls opened;
+    AboutViewController panel;
+};
+
+TEST_F(AboutPanel, ShowsTheVersionLine) {
+    EXPECT_EQ(panel.versionLabel()->text(),
+              AppInfo::versionText(AppInfo::version(), AppInfo::buildNumber()));
+}
+
+TEST_F(AboutPanel, SiteLinkIsUnderlinedInTheLinkColour) {
+    const QPushButton& site = *panel.siteLinkButton();
+    EXPECT_EQ(site.text(), AppInfo::siteUrl().toString());
+    EXPECT_TRUE(site.font().underline());
+    EXPECT_EQ(textColour(site), panel.palette().color(QPalette::Link));
+}
+
+TEST_F(AboutPanel, HandleLinkIsInTheLinkColourWithoutUnderline) {
+    const QPushButton& social = *panel.socialLinkButton();
+    EXPECT_EQ(social.text(), QStringLiteral("@") + AppInfo::socialHandle());
+    EXPECT_FALSE(social.font().underline());
+    EXPECT_EQ(textColour(social), panel.palette().color(QPalette::Link));
+}
+
+TEST_F(AboutPanel, LinksFollowAPaletteChange) {
+    QPalette dark = panel.palette();
+    dark.setColor(QPalette::Link, QColor(0x7a, 0xb8, 0xff));
+    panel.setPalette(dark);
+    EXPECT_EQ(textColour(*panel.siteLinkButton()), QColor(0x7a, 0xb8, 0xff));
+    EXPECT_EQ(textColour(*panel.socialLinkButton()), QColor(0x7a, 0xb8, 0xff));
+}
+
+TEST_F(AboutPanel, LinksOpenTheSiteAndTheSocialPage) {
+    QTest::mouseClick(panel.siteLinkButton(), Qt::LeftButton);
+    QTest::mouseClick(panel.socialLinkButton(), Qt::LeftButton);
+    EXPECT_EQ(opened.urls, (std::vector<QUrl>{AppInfo::siteUrl(), AppInfo::socialUrl()}));
+}
+
+} // namespace
+} // namespace quillery
