@@ -5,8 +5,11 @@
 namespace quillery {
 
 Color Color::fromHsba(double hue, double saturation, double brightness, double alpha) {
-    // The usual hexcone conversion: the hue picks one of six sectors of the colour wheel.
-    const double scaled = (hue >= 1.0 ? 0.0 : hue) * 6.0;
+    // The usual hexcone conversion: the hue, taken round the wheel, picks one of six sectors.
+    double scaled = (hue - std::floor(hue)) * 6.0;
+    if (!(scaled >= 0.0 && scaled < 6.0)) {
+        scaled = 0.0; // a hue of exactly 1 after rounding, or not a number
+    }
     const double sector = std::floor(scaled);
     const double fraction = scaled - sector;
     const double p = brightness * (1.0 - saturation);
