@@ -1,0 +1,59 @@
+#include "cli/Cli.h"
+
+#include "cli/NotebookCommands.h"
+#include "cli/StyleCommand.h"
+
+#include <ostream>
+#include <string_view>
+
+namespace quillery::cli {
+
+namespace {
+
+constexpr std::string_view kUsage =
+    "Usage: quillery-cli COMMAND [ARGUMENTS]\n"
+    "\n"
+    "Reads and writes Quillery notebook packages without the app.\n"
+    "\n"
+    "Commands:\n"
+    "  new PACKAGE                           create an empty notebook package\n"
+    "  export [--format json|markdown] PACKAGE\n"
+    "                                        print the notes of a package\n"
+    "  add PACKAGE --text TEXT [--parent IDENTIFIER] [--at INDEX]\n"
+    "                                        add a note and save the package\n"
+    "  info PACKAGE                          journals, notes, pictures, time to open\n"
+    "  style                                 style a note's text (standard input) as JSON\n"
+    "\n"
+    "Run \"quillery-cli COMMAND --help\" for more about one command.\n"
+    "Exit status: 0 on success, 1 when a package cannot be opened or saved, 2 on bad usage.\n"
+    "Results go to standard output; messages and diagnostics to standard error.\n";
+
+} // namespace
+
+int runCli(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
+           std::ostream& err) {
+    if (arguments.empty()) {
+        err << kUsage;
+        return kUsageError;
+    }
+    const std::string& command = arguments.front();
+    std::vector<std::string> rest(arguments.begin() + 1, arguments.end());
+    if (command == "-h" || command == "--help" || command == "help") {
+        out << kUsage;
+        return kSuccess;
+    }
+    if (command == "new")
+        return runNewCommand(rest, out, err);
+    if (command == "export")
+        return runExportCommand(rest, out, err);
+    if (command == "add")
+        return runAddCommand(rest, out, err);
+    if (command == "info")
+        return runInfoCommand(rest, out, err);
+    if (command == "style")
+        return runStyleCommand(rest, in, out, err);
+    err << "quillery-cli: unknown command “" << command << "”\n\n" << kUsage;
+    return kUsageError;
+}
+
+} // namespace quillery::cli

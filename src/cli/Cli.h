@@ -1,0 +1,19 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace quillery::cli {
+
+// Exit codes of quillery-cli.
+inline constexpr int kSuccess = 0;
+inline constexpr int kPackageFailure = 1; // a package could not be opened or saved
+inline constexpr int kUsageError = 2;
+
+// Runs one quillery-cli command line (the arguments after the program name) and returns the
+// process exit code. Results go to `out`; messages and the engine's diagnostic lines go to `err`.
+int runCli(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
+           std::ostream& err);
+
+} // namespace quillery::cli

@@ -1,0 +1,8 @@
+#include "cli/Cli.h"
+
+#include <iostream>
+
+int main(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    return quillery::cli::runCli(arguments, std::cin, std::cout, std::cerr);
+}

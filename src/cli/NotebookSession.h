@@ -1,0 +1,38 @@
+#pragma once
+
+#include "document/Diagnostics.h"
+#include "document/Document.h"
+#include "document/JsonFilePreferences.h"
+#include "storage/HeaderPictureCodec.h"
+#include "storage/NotebookPackage.h"
+#include "storage/PosixFileSystem.h"
+
+#include <filesystem>
+#include <iosfwd>
+
+namespace quillery::cli {
+
+// One notebook as a command sees it: this installation's preferences (so its client identifier),
+// a document, and the engine's diagnostic lines sent to the error stream for as long as the
+// session lives. Failures are written to the error stream with their domain and code.
+class NotebookSession {
+public:
+    explicit NotebookSession(std::ostream& err);
+
+    Document& document() { return m_document; }
+
+    bool open(const std::filesystem::path& package, package::PackageSummary* summary = nullptr);
+    bool saveInPlace();
+    bool saveTo(const std::filesystem::path& package);
+
+private:
+    bool report(const std::optional<StorageError>& error);
+
+    std::ostream& m_err;
+    diagnostics::ScopedSink m_sink;
+    JsonFilePreferences m_preferences;
+    HeaderPictureCodec m_codec;
+    Document m_document;
+};
+
+} // namespace quillery::cli
