@@ -29,25 +29,5 @@ INSTANTIATE_TEST_SUITE_P(
                       MarkerRunCase{"*\\", "*\\", ""}, MarkerRunCase{"\\*\\", "\\", "*"},
                       MarkerRunCase{"\\\\\\", "\\", ""}));
 
-struct StyleNameCase {
-    std::string markers;
-    LineStyle style;
-};
-
-class MarkerRunStyle : public ::testing::TestWithParam<StyleNameCase> {};
-
-TEST_P(MarkerRunStyle, ClassifiesTheWholeRun) {
-    EXPECT_EQ(styleFromString(GetParam().markers), GetParam().style);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, MarkerRunStyle,
-    ::testing::Values(StyleNameCase{"**", LineStyle::bold}, StyleNameCase{"__", LineStyle::bold},
-                      StyleNameCase{"*", LineStyle::italic}, StyleNameCase{"_", LineStyle::italic},
-                      StyleNameCase{"`", LineStyle::code}, StyleNameCase{"[", LineStyle::link},
-                      StyleNameCase{"", LineStyle::none}, StyleNameCase{"***", LineStyle::none},
-                      StyleNameCase{"**_", LineStyle::none}, StyleNameCase{"\\", LineStyle::none},
-                      StyleNameCase{"``", LineStyle::none}, StyleNameCase{"[[", LineStyle::none}));
-
 } // namespace
 } // namespace quillery
