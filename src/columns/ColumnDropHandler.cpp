@@ -220,8 +220,8 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
                                    "... just load string");
         } else {
             const QByteArray bytes = file.readAll();
-            QImage image;
-            if (!bytes.isEmpty() && image.loadFromData(bytes)) {
+            const QImage image = DecodePicture(bytes);
+            if (!image.isNull()) {
                 const auto place = pictureDropPlace(representedNode, row, position);
                 if (!place)
                     return {};

@@ -23,12 +23,6 @@ std::optional<QByteArray> encode(const QImage& image, const char* format) {
     return bytes;
 }
 
-QImage decode(const QByteArray& bytes) {
-    QImage image;
-    image.loadFromData(bytes);
-    return image;
-}
-
 } // namespace
 
 QStringList PictureMimeTypes(const QMimeData& data) {
@@ -44,6 +38,15 @@ QStringList PictureMimeTypes(const QMimeData& data) {
             types.append(type);
     }
     return types;
+}
+
+QImage DecodePicture(const QByteArray& bytes) {
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    reader.setAutoTransform(true);
+    return reader.read();
 }
 
 bool HasPictureType(const QMimeData& data) {
@@ -71,7 +74,7 @@ std::optional<PasteboardPicture> ImageAndDataFromPasteBoard(const QMimeData& dat
         } else {
             original = data.data(type);
             if (!original.isEmpty())
-                image = decode(original);
+                image = DecodePicture(original);
         }
         if (image.isNull())
             continue;

@@ -31,6 +31,10 @@ bool HasPictureType(const QMimeData& data);
 // from another application is normally stored as JPEG. None when no type holds a picture.
 std::optional<PasteboardPicture> ImageAndDataFromPasteBoard(const QMimeData& data);
 
+// The picture the bytes hold, turned upright as its metadata says; a null image when they are not
+// a picture Qt can read.
+QImage DecodePicture(const QByteArray& bytes);
+
 // The picture encoded in the first of JPEG, PNG and TIFF that works, with its extension; none
 // when no encoder works (for example a null image).
 std::optional<PasteboardPicture> EncodedPicture(const QImage& image);

@@ -33,12 +33,15 @@ ZoomableImageView::ZoomableImageView(QWidget* parent)
 
 void ZoomableImageView::setImage(QImage image) {
     m_image = std::move(image);
+    m_placeholder = m_image.isNull() ? QImage(QStringLiteral(":/placeholder.png")) : QImage();
     fitToView();
 }
 
 QSize ZoomableImageView::shownSize() const {
     if (!m_image.isNull())
         return m_image.size();
+    if (!m_placeholder.isNull())
+        return m_placeholder.deviceIndependentSize().toSize();
     const int extent = style()->pixelMetric(QStyle::PM_LargeIconSize) * 4;
     return {extent, extent};
 }
@@ -129,9 +132,15 @@ void ZoomableImageView::paintEvent(QPaintEvent*) {
 }
 
 void ZoomableImageView::paintPlaceholder(QPainter& painter) {
+    const QRectF target(contentOrigin(), contentSize());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    if (!m_placeholder.isNull()) {
+        painter.drawImage(target, m_placeholder);
+        return;
+    }
+    // Without the app's resources (a test, say) the theme's own sign for a missing picture.
     const QIcon icon = QIcon::fromTheme(QStringLiteral("image-missing"),
                                         style()->standardIcon(QStyle::SP_FileIcon));
-    const QRectF target(contentOrigin(), contentSize());
     icon.paint(&painter, target.toAlignedRect());
 }
 

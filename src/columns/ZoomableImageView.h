@@ -51,6 +51,8 @@ private:
     void paintPlaceholder(QPainter& painter);
 
     QImage m_image;
+    // The app's placeholder picture, loaded while there is no picture to show.
+    QImage m_placeholder;
     double m_zoom = 1.0;
     bool m_fitting = true;
 };
