@@ -99,12 +99,12 @@ std::vector<StyledRun> MarkdownStyler::attributedString() {
         if (skipLine) {
             skipLine = false;
         } else {
+            // A next line that is empty has no first character.
             std::optional<char> nextLineStart;
             if (next < text.size()) {
                 nextLineStart = text[next];
             }
-            skipLine = styleLine(text.substr(start, end - start),
-                                 hasNext ? nextLineStart : std::nullopt, runs);
+            skipLine = styleLine(text.substr(start, end - start), nextLineStart, runs);
         }
         if (!hasNext) {
             break;
