@@ -6,6 +6,8 @@
 #include <QMimeData>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace quillery {
 
 namespace {
@@ -34,20 +36,14 @@ void NodeListModel::setRepresentedNode(NodePtr node) {
 }
 
 NodePtr NodeListModel::nodeAt(int row) const {
-    if (!m_representedNode || row < 0 || row >= m_rowCount)
+    if (row < 0 || row >= rowCount())
         return nullptr;
-    const auto& children = m_representedNode->children();
-    return static_cast<std::size_t>(row) < children.size() ? children[static_cast<std::size_t>(row)]
-                                                           : nullptr;
+    return m_rows[static_cast<std::size_t>(row)];
 }
 
 int NodeListModel::rowShowing(const Identifier& identifier) const {
-    if (!m_representedNode)
-        return -1;
-    const auto& children = m_representedNode->children();
-    const std::size_t count = std::min(children.size(), static_cast<std::size_t>(m_rowCount));
-    for (std::size_t i = 0; i < count; ++i) {
-        if (children[i]->identifier() == identifier)
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
+        if (m_rows[i]->identifier() == identifier)
             return static_cast<int>(i);
     }
     return -1;
@@ -55,49 +51,57 @@ int NodeListModel::rowShowing(const Identifier& identifier) const {
 
 void NodeListModel::reload() {
     beginResetModel();
-    m_rowCount = m_representedNode ? static_cast<int>(m_representedNode->children().size()) : 0;
+    m_rows = m_representedNode ? m_representedNode->children() : std::vector<NodePtr>();
     endResetModel();
 }
 
 void NodeListModel::insertRowAt(int row) {
-    if (row < 0 || row > m_rowCount)
+    const auto index = static_cast<std::size_t>(row);
+    if (!m_representedNode || row < 0 || index > m_rows.size() ||
+        index >= m_representedNode->children().size())
         return;
     beginInsertRows(QModelIndex(), row, row);
-    ++m_rowCount;
+    m_rows.insert(m_rows.begin() + row, m_representedNode->children()[index]);
     endInsertRows();
 }
 
 void NodeListModel::removeRowAt(int row) {
-    if (row < 0 || row >= m_rowCount)
+    if (row < 0 || row >= rowCount())
         return;
     beginRemoveRows(QModelIndex(), row, row);
-    --m_rowCount;
+    m_rows.erase(m_rows.begin() + row);
     endRemoveRows();
 }
 
 void NodeListModel::moveRow(int from, int to) {
-    if (from == to || from < 0 || to < 0 || from >= m_rowCount || to >= m_rowCount)
+    if (from == to || from < 0 || to < 0 || from >= rowCount() || to >= rowCount())
         return;
     // Qt names the row before which the moved row goes, counted before the move.
     const int destination = to > from ? to + 1 : to;
-    if (beginMoveRows(QModelIndex(), from, from, QModelIndex(), destination))
-        endMoveRows();
+    if (!beginMoveRows(QModelIndex(), from, from, QModelIndex(), destination))
+        return;
+    const auto first = m_rows.begin();
+    if (to > from)
+        std::rotate(first + from, first + from + 1, first + to + 1);
+    else
+        std::rotate(first + to, first + from, first + from + 1);
+    endMoveRows();
 }
 
 void NodeListModel::refreshRow(int row) {
-    if (row < 0 || row >= m_rowCount)
+    if (row < 0 || row >= rowCount())
         return;
     const QModelIndex changed = index(row);
     emit dataChanged(changed, changed);
 }
 
 void NodeListModel::refreshAllRows() {
-    if (m_rowCount > 0)
-        emit dataChanged(index(0), index(m_rowCount - 1));
+    if (rowCount() > 0)
+        emit dataChanged(index(0), index(rowCount() - 1));
 }
 
 int NodeListModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : m_rowCount;
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
 }
 
 QVariant NodeListModel::data(const QModelIndex& index, int role) const {
@@ -141,8 +145,8 @@ QMimeData* NodeListModel::mimeData(const QModelIndexList& indexes) const {
 NodeListModel::DropPlace NodeListModel::dropPlace(int row, const QModelIndex& parent) const {
     if (parent.isValid())
         return {parent.row(), DropPosition::On};
-    if (row < 0 || row > m_rowCount)
-        return {m_rowCount, DropPosition::Above};
+    if (row < 0 || row > rowCount())
+        return {rowCount(), DropPosition::Above};
     return {row, DropPosition::Above};
 }
 

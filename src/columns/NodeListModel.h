@@ -5,6 +5,7 @@
 #include <QAbstractListModel>
 
 #include <memory>
+#include <vector>
 
 namespace quillery {
 
@@ -12,9 +13,10 @@ class ColumnDropHandler;
 class Document;
 
 // The rows of one column: the children of the represented note, in order. The model keeps its
-// own row count, changed only by the row operations below, because the document changes the
-// children before it announces the change: between the two the list must still see the old
-// rows. Drags carry one note; drops are decided and performed by the column's drop handler.
+// own list of the shown children, changed only by the row operations below, because the
+// document changes the children before it announces the change: until the row operation the
+// list must still see the old rows. Drags carry one note; drops are decided and performed by the
+// column's drop handler.
 class NodeListModel : public QAbstractListModel {
     Q_OBJECT
 
@@ -64,7 +66,7 @@ private:
     Document* m_document;
     std::unique_ptr<ColumnDropHandler> m_dropHandler;
     NodePtr m_representedNode;
-    int m_rowCount = 0;
+    std::vector<NodePtr> m_rows;
 };
 
 } // namespace quillery
