@@ -5,6 +5,7 @@
 #include "markdown/TagPair.h"
 #include "markdown/Utf8.h"
 
+#include <algorithm>
 #include <array>
 
 namespace quillery {
@@ -78,8 +79,9 @@ MarkdownStyler::MarkdownStyler(std::string_view text)
 
 std::vector<StyledRun> MarkdownStyler::attributedString() {
     std::vector<StyledRun> runs;
-    // Enough for a typical note without regrowing: a run every few words.
-    runs.reserve(4 + m_text.size() / 24);
+    // Enough for a typical note without regrowing (a run every few words); a huge text grows
+    // as it goes rather than reserving far more than it may need.
+    runs.reserve(std::min<std::size_t>(4 + m_text.size() / 24, 4096));
     const std::string_view text = m_text;
     bool skipLine = false;
     std::size_t start = 0;
