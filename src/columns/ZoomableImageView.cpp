@@ -127,7 +127,7 @@ void ZoomableImageView::paintEvent(QPaintEvent*) {
         return;
     // Only the visible part of the shared picture is read; nothing is copied at full size.
     const QRectF source((visible.topLeft() - target.topLeft()) / m_zoom, visible.size() / m_zoom);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_zoom < 1.0);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_zoom < 2.0);
     painter.drawImage(visible, m_image, source);
 }
 
