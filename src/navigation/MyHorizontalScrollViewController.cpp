@@ -16,9 +16,11 @@ MyHorizontalScrollViewController::MyHorizontalScrollViewController(Document* doc
     setFrameShape(QFrame::NoFrame);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    // A resizable content widget follows the visible height and is never narrower than the
-    // visible area; its fixed-width columns make it wider when they need to.
+    // A resizable content widget follows the visible area and is never narrower than it; its
+    // fixed-width columns make it wider when they need to. Its height ignores what the columns
+    // would like, so a short window shortens the columns instead of cutting them off.
     setWidgetResizable(true);
+    m_splitViewController->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Ignored);
     setWidget(m_splitViewController);
     m_splitViewController->setDelegate(this);
 }

@@ -21,12 +21,21 @@ namespace {
 constexpr double kColumnWidthEm = 22.0;
 constexpr double kPanelWidthEm = 33.0;
 
+// The row is always exactly as tall as the visible area. A column with a wrapping label would
+// otherwise ask for more height at narrow widths, and the scroll area would make the row taller
+// than the window, cutting off the bottom of every column.
+class RowLayout : public QHBoxLayout {
+public:
+    using QHBoxLayout::QHBoxLayout;
+    bool hasHeightForWidth() const override { return false; }
+};
+
 } // namespace
 
 MySplitViewController::MySplitViewController(Document* document, QWidget* parent)
     : QWidget(parent)
     , m_document(document)
-    , m_layout(new QHBoxLayout(this))
+    , m_layout(new RowLayout(this))
     , m_slots(*this) {
     setObjectName(QStringLiteral("MySplitViewController"));
     setAccessibleName(tr("Columns"));
