@@ -64,6 +64,54 @@ bool isRow(const NotebookNode& column, int row) {
     return row >= 0 && row < rowCount(column);
 }
 
+// The move a dropped note makes: into a new parent (at an index, or last), or to another row of
+// its own column (newParent null).
+struct NoteMove {
+    NodePtr note;
+    const NotebookNode* newParent = nullptr;
+    std::optional<std::size_t> index;
+};
+
+// Decides a note drop for validation and acceptance alike; none when the drop is refused: the note
+// is gone, would land inside itself, on its current parent, or where it already is.
+std::optional<NoteMove> planNoteDrop(const Document& document, const NotebookNode& column,
+                                     const Identifier& identifier, int row, DropPosition position) {
+    const auto& children = column.children();
+    const int draggedRow = rowOf(column, identifier);
+    if (draggedRow >= 0) {
+        const NodePtr& dragged = children[static_cast<std::size_t>(draggedRow)];
+        if (position == DropPosition::On) {
+            if (row == draggedRow || !isRow(column, row))
+                return std::nullopt;
+            return NoteMove{dragged, children[static_cast<std::size_t>(row)].get(), std::nullopt};
+        }
+        if (row == draggedRow || row == draggedRow + 1 || row < 0 || row > rowCount(column))
+            return std::nullopt;
+        return NoteMove{dragged, nullptr, static_cast<std::size_t>(row)};
+    }
+
+    const NodePtr dragged = document.notebookNode(identifier);
+    // The roots never move, whatever an outside drag claims.
+    if (!dragged || dragged == document.rootNode() || dragged == document.deletedRootNode())
+        return std::nullopt;
+    if (position == DropPosition::On) {
+        if (!isRow(column, row))
+            return std::nullopt;
+        const NodePtr& target = children[static_cast<std::size_t>(row)];
+        if (document.isNode(*dragged, *target) ||
+            target->identifier() == dragged->parentIdentifier())
+            return std::nullopt;
+        return NoteMove{dragged, target.get(), std::nullopt};
+    }
+    if (dragged.get() == &column || row < 0 || row > rowCount(column) ||
+        document.isNode(*dragged, column))
+        return std::nullopt;
+    std::optional<std::size_t> index;
+    if (row < rowCount(column))
+        index = static_cast<std::size_t>(row);
+    return NoteMove{dragged, &column, index};
+}
+
 // Where a picture dropped at (row, position) goes: inside the row's note, after its children, or
 // into the column before the row.
 struct Place {
@@ -114,36 +162,10 @@ Qt::DropAction ColumnDropHandler::validateDrop(const NodePtr& representedNode,
                                                DropPosition position) const {
     if (!representedNode || data.formats().isEmpty())
         return Qt::IgnoreAction;
-    const NotebookNode& column = *representedNode;
-
-    if (auto identifier = draggedIdentifier(data)) {
-        const int draggedRow = rowOf(column, *identifier);
-        if (draggedRow >= 0) {
-            if (position == DropPosition::On)
-                return row != draggedRow && isRow(column, row) ? Qt::MoveAction : Qt::IgnoreAction;
-            if (row == draggedRow || row == draggedRow + 1 || row < 0 || row > rowCount(column))
-                return Qt::IgnoreAction;
-            return Qt::MoveAction;
-        }
-        const NodePtr dragged = m_document.notebookNode(*identifier);
-        if (!dragged)
-            return Qt::IgnoreAction;
-        if (position == DropPosition::On) {
-            if (!isRow(column, row))
-                return Qt::IgnoreAction;
-            const NotebookNode& target = *column.children()[static_cast<std::size_t>(row)];
-            if (m_document.isNode(*dragged, target) ||
-                target.identifier() == dragged->parentIdentifier())
-                return Qt::IgnoreAction;
-            return Qt::MoveAction;
-        }
-        if (dragged == representedNode || row < 0)
-            return Qt::IgnoreAction;
-        const NotebookNode& below =
-            row < rowCount(column) ? *column.children()[static_cast<std::size_t>(row)] : column;
-        return m_document.isNode(*dragged, below) ? Qt::IgnoreAction : Qt::MoveAction;
-    }
-
+    if (auto identifier = draggedIdentifier(data))
+        return planNoteDrop(m_document, *representedNode, *identifier, row, position)
+                   ? Qt::MoveAction
+                   : Qt::IgnoreAction;
     if (HasPictureType(data))
         return Qt::CopyAction;
     if (droppedUrl(data))
@@ -159,41 +181,13 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
     NotebookNode& column = *representedNode;
 
     if (auto identifier = draggedIdentifier(data)) {
-        const int draggedRow = rowOf(column, *identifier);
-        if (draggedRow >= 0) {
-            NotebookNode& dragged = *column.children()[static_cast<std::size_t>(draggedRow)];
-            if (position == DropPosition::On && row != draggedRow && isRow(column, row)) {
-                const NodePtr target = column.children()[static_cast<std::size_t>(row)];
-                m_document.userDidMove(dragged, *target);
-                return {true, nullptr};
-            }
-            if (position == DropPosition::Above && row != draggedRow && row != draggedRow + 1 &&
-                row >= 0 && row <= rowCount(column)) {
-                m_document.userDidMove(dragged, static_cast<std::size_t>(row));
-                return {true, nullptr};
-            }
+        const auto move = planNoteDrop(m_document, column, *identifier, row, position);
+        if (!move)
             return {};
-        }
-        const NodePtr dragged = m_document.notebookNode(*identifier);
-        if (!dragged)
-            return {};
-        if (position == DropPosition::On) {
-            if (!isRow(column, row))
-                return {};
-            // Refused like in validation, so no drop ever reorders a note by way of its parent.
-            const NodePtr target = column.children()[static_cast<std::size_t>(row)];
-            if (m_document.isNode(*dragged, *target) ||
-                target->identifier() == dragged->parentIdentifier())
-                return {};
-            m_document.userDidMove(*dragged, *target);
-            return {true, nullptr};
-        }
-        if (dragged == representedNode || row < 0 || m_document.isNode(*dragged, column))
-            return {};
-        std::optional<std::size_t> index;
-        if (row < rowCount(column))
-            index = static_cast<std::size_t>(row);
-        m_document.userDidMove(*dragged, column, index);
+        if (move->newParent)
+            m_document.userDidMove(*move->note, *move->newParent, move->index);
+        else
+            m_document.userDidMove(*move->note, *move->index);
         return {true, nullptr};
     }
 

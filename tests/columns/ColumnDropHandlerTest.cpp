@@ -199,6 +199,12 @@ TEST_F(DropFixture, StaleDragOfANoteThatNoLongerExistsIsRefused) {
     expectRefused(a, *noteDrag(gone), 0, DropPosition::On);
 }
 
+TEST_F(DropFixture, TheRootsNeverMove) {
+    expectRefused(a, *noteDrag(*document.deletedRootNode()), 0, DropPosition::Above);
+    expectRefused(root(), *noteDrag(*document.deletedRootNode()), 0, DropPosition::On);
+    expectRefused(a, *noteDrag(*root()), 0, DropPosition::Above);
+}
+
 TEST_F(DropFixture, OnlyTheDraggedNoteTravels) {
     const auto data = noteDrag(*c);
     EXPECT_EQ(data->formats(), QStringList{QString::fromLatin1(kNodeDragAndDropDataType)});
