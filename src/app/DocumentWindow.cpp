@@ -183,6 +183,8 @@ void DocumentWindow::detachDocument() {
 void DocumentWindow::showContent() {
     m_content = new MyHorizontalScrollViewController(m_document.get());
     setCentralWidget(m_content);
+    // In a window already on screen (after Revert) the columns appear at once.
+    m_content->show();
     connect(splitViewController(), &MySplitViewController::panelShownChanged, this,
             &DocumentWindow::updateActions);
 }

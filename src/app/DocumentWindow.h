@@ -6,6 +6,7 @@
 #include <QMainWindow>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 
 namespace quillery {
@@ -37,6 +38,9 @@ public:
     MySplitViewController* splitViewController() const;
     // The package's name without ".quillery", or the untitled name.
     QString displayName() const;
+
+    // How long after a change the notebook saves itself (kAutosaveDelayMs unless changed).
+    void setAutosaveDelay(std::chrono::milliseconds delay) { m_autosaveTimer.setInterval(delay); }
 
     // Each returns whether the notebook is now saved; failures were shown to the user.
     bool save();

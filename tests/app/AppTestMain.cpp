@@ -1,0 +1,17 @@
+#include <QApplication>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+// One QApplication for the run; settings (the recent list) go to a directory of the test's own.
+int main(int argc, char** argv) {
+    QStandardPaths::setTestModeEnabled(true);
+    QTemporaryDir config;
+    qputenv("XDG_CONFIG_HOME", config.path().toUtf8());
+    QApplication app(argc, argv);
+    QApplication::setOrganizationName(QStringLiteral("QuilleryTests"));
+    QApplication::setApplicationName(QStringLiteral("QuilleryTests"));
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

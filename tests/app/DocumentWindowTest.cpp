@@ -1,0 +1,165 @@
+#include "app/AppFixture.h"
+
+#include <QAction>
+#include <QPointer>
+#include <QTest>
+
+namespace quillery {
+namespace {
+
+using namespace std::chrono_literals;
+
+class DocumentWindowTest : public AppFixture {
+protected:
+    static QAction& action(DocumentWindow& window, const char* name) {
+        auto* found = window.findChild<QAction*>(QString::fromLatin1(name));
+        EXPECT_NE(found, nullptr) << name;
+        return *found;
+    }
+};
+
+// The Edit menu follows the document's undo history and names its steps.
+
+TEST_F(DocumentWindowTest, UndoAndRedoAreNamedAfterTheStepAndDriveTheDocument) {
+    DocumentWindow& window = *controller.newDocument();
+    QAction& undo = action(window, "actionUndo");
+    QAction& redo = action(window, "actionRedo");
+    EXPECT_FALSE(undo.isEnabled());
+    EXPECT_FALSE(redo.isEnabled());
+
+    addNote(window, "first");
+    EXPECT_TRUE(undo.isEnabled());
+    EXPECT_EQ(undo.text(), QStringLiteral("&Undo Add Note"));
+    EXPECT_TRUE(window.isWindowModified());
+
+    undo.trigger();
+    EXPECT_TRUE(window.document().rootNode()->children().empty());
+    EXPECT_FALSE(undo.isEnabled());
+    EXPECT_EQ(redo.text(), QStringLiteral("&Redo Add Note"));
+    EXPECT_FALSE(window.isWindowModified());
+
+    redo.trigger();
+    ASSERT_EQ(window.document().rootNode()->children().size(), 1u);
+    EXPECT_EQ(window.document().rootNode()->children()[0]->text(), "first");
+    EXPECT_EQ(undo.text(), QStringLiteral("&Undo Add Note"));
+    EXPECT_FALSE(redo.isEnabled());
+}
+
+TEST_F(DocumentWindowTest, HistoryAndNoteCommandsWaitWhileAPanelIsOpen) {
+    DocumentWindow& window = *controller.newDocument();
+    addNote(window, "first");
+    MySplitViewController& split = *window.splitViewController();
+
+    split.present(new QWidget, 1);
+    EXPECT_FALSE(action(window, "actionUndo").isEnabled());
+    EXPECT_FALSE(action(window, "actionAddNote").isEnabled());
+    EXPECT_FALSE(action(window, "actionEditNote").isEnabled());
+
+    split.dismissModalViewController();
+    EXPECT_TRUE(action(window, "actionUndo").isEnabled());
+    EXPECT_TRUE(action(window, "actionAddNote").isEnabled());
+}
+
+TEST_F(DocumentWindowTest, TheNoteMenuActsOnTheFocusedColumn) {
+    DocumentWindow& window = *controller.newDocument();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    ListViewController* first = window.splitViewController()->column(0);
+    first->makeFirstResponder();
+
+    action(window, "actionAddNote").trigger();
+
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.splitViewController()->panel() != nullptr; }));
+    EXPECT_NE(first->temporaryNode(), nullptr);
+}
+
+// Saving: in place a moment after each change once there is a location, never before.
+
+TEST_F(DocumentWindowTest, AChangeIsSavedInPlaceAMomentLater) {
+    const auto location = makePackage("Trip.quillery", {"Flights"});
+    DocumentWindow& window = *controller.openDocument(location);
+    window.setAutosaveDelay(10ms);
+
+    addNote(window, "Hotels");
+    EXPECT_TRUE(window.isWindowModified());
+
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window.document().hasUnsavedChanges(); }));
+    EXPECT_FALSE(window.isWindowModified());
+    EXPECT_EQ(textsOnDisk(location), (std::vector<std::string>{"Hotels", "Flights"}));
+}
+
+TEST_F(DocumentWindowTest, AnUntitledNotebookIsNotSavedBehindTheUsersBack) {
+    DocumentWindow& window = *controller.newDocument();
+    window.setAutosaveDelay(1ms);
+    addNote(window, "draft");
+    QTest::qWait(30);
+    EXPECT_TRUE(window.document().hasUnsavedChanges());
+    EXPECT_FALSE(window.document().fileLocation().has_value());
+}
+
+TEST_F(DocumentWindowTest, SaveAsWritesTheWholePackageAndTakesItsName) {
+    DocumentWindow& window = *controller.newDocument();
+    addNote(window, "draft");
+    prompts.saveLocation = path("Drafts.quillery");
+
+    action(window, "actionSave").trigger();
+
+    EXPECT_EQ(window.displayName(), QStringLiteral("Drafts"));
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("Drafts[*]"));
+    EXPECT_FALSE(window.isWindowModified());
+    EXPECT_EQ(textsOnDisk(path("Drafts.quillery")), std::vector<std::string>{"draft"});
+    EXPECT_TRUE(action(window, "actionRevert").isEnabled());
+}
+
+// Closing a changed notebook that has nowhere to go asks first.
+
+TEST_F(DocumentWindowTest, ClosingAChangedUntitledNotebookAsksAndCanBeCancelled) {
+    QPointer<DocumentWindow> window = controller.newDocument();
+    addNote(*window, "draft");
+
+    prompts.saveChoice = DocumentPrompts::SaveChoice::Cancel;
+    EXPECT_FALSE(window->close());
+    EXPECT_EQ(prompts.savePromptsFor.size(), 1u);
+
+    prompts.saveChoice = DocumentPrompts::SaveChoice::Save;
+    prompts.saveLocation = std::nullopt;
+    EXPECT_FALSE(window->close()) << "cancelling the save dialog keeps the window";
+
+    prompts.saveLocation = path("Kept.quillery");
+    EXPECT_TRUE(window->close());
+    EXPECT_EQ(textsOnDisk(path("Kept.quillery")), std::vector<std::string>{"draft"});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }));
+}
+
+TEST_F(DocumentWindowTest, ClosingAnUnchangedOrSavedNotebookAsksNothing) {
+    QPointer<DocumentWindow> untitled = controller.newDocument();
+    EXPECT_TRUE(untitled->close());
+
+    const auto location = makePackage("Trip.quillery", {"Flights"});
+    DocumentWindow& window = *controller.openDocument(location);
+    window.setAutosaveDelay(1h);
+    addNote(window, "Hotels");
+    EXPECT_TRUE(window.close());
+
+    EXPECT_TRUE(prompts.savePromptsFor.empty());
+    EXPECT_EQ(textsOnDisk(location), (std::vector<std::string>{"Hotels", "Flights"}));
+}
+
+TEST_F(DocumentWindowTest, RevertReadsThePackageAgainAndForgetsTheHistory) {
+    const auto location = makePackage("Trip.quillery", {"Flights"});
+    DocumentWindow& window = *controller.openDocument(location);
+    window.setAutosaveDelay(1h);
+    addNote(window, "Hotels");
+
+    action(window, "actionRevert").trigger();
+
+    EXPECT_EQ(prompts.revertQuestions, 1);
+    ASSERT_EQ(window.document().rootNode()->children().size(), 1u);
+    EXPECT_EQ(window.document().rootNode()->children()[0]->text(), "Flights");
+    EXPECT_FALSE(action(window, "actionUndo").isEnabled());
+    EXPECT_FALSE(window.isWindowModified());
+    EXPECT_EQ(rowCount(window.splitViewController()->column(0)), 1);
+}
+
+} // namespace
+} // namespace quillery
