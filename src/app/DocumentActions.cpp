@@ -1,5 +1,7 @@
 #include "app/DocumentActions.h"
 
+#include "app/AppInfo.h"
+
 #include <QAction>
 #include <QCoreApplication>
 #include <QMainWindow>
@@ -71,6 +73,18 @@ DocumentActions DocumentActions::create(QMainWindow& window) {
                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_B));
     actions.editNote = addAction(note, trMenu("&Edit Note"), QStringLiteral("actionEditNote"),
                                  QKeySequence(Qt::Key_F2));
+
+    QMenu* help = bar->addMenu(trMenu("&Help"));
+    actions.help = addAction(help, trMenu("Quillery &Help"), QStringLiteral("actionHelp"),
+                             QKeySequence::HelpContents);
+    actions.sendFeedback =
+        addAction(help, trMenu("Send &Feedback…"), QStringLiteral("actionSendFeedback"));
+    actions.followOnSocialNetwork =
+        addAction(help, trMenu("Follow Quillery %1…").arg(AppInfo::socialHandle()),
+                  QStringLiteral("actionFollowOnSocialNetwork"));
+    help->addSeparator();
+    actions.about = addAction(help, trMenu("&About Quillery"), QStringLiteral("actionAbout"));
+    actions.about->setMenuRole(QAction::AboutRole);
     return actions;
 }
 

@@ -6,7 +6,7 @@ class QMenu;
 
 namespace quillery {
 
-// The menu bar of a document window: File, Edit and Note with their shortcuts. The window
+// The menu bar of a document window: File, Edit, Note and Help with their shortcuts. The window
 // connects the actions; this only lays the menus out, so the key map lives in one place.
 struct DocumentActions {
     QAction* newDocument = nullptr;
@@ -22,6 +22,10 @@ struct DocumentActions {
     QAction* addNote = nullptr;
     QAction* addNoteBeneath = nullptr;
     QAction* editNote = nullptr;
+    QAction* help = nullptr;
+    QAction* sendFeedback = nullptr;
+    QAction* followOnSocialNetwork = nullptr;
+    QAction* about = nullptr;
 
     // Builds the menus into the window's menu bar; the actions are children of the window.
     static DocumentActions create(QMainWindow& window);

@@ -15,6 +15,7 @@ class QWidget;
 namespace quillery {
 
 class Document;
+class AppDelegate;
 class DocumentPrompts;
 class DocumentWindow;
 class PictureCodec;
@@ -46,6 +47,9 @@ public:
     const std::vector<DocumentWindow*>& windows() const { return m_windows; }
     DocumentPrompts& prompts() const { return m_prompts; }
     RecentDocuments& recentDocuments() { return m_recentDocuments; }
+    // The Help menu's commands; without a delegate they are disabled. Set before any window.
+    AppDelegate* appDelegate() const { return m_appDelegate; }
+    void setAppDelegate(AppDelegate* delegate) { m_appDelegate = delegate; }
 
     struct ReadResult {
         std::unique_ptr<Document> document;
@@ -63,6 +67,7 @@ private:
     const PictureCodec& m_codec;
     DocumentPrompts& m_prompts;
     RecentDocuments m_recentDocuments;
+    AppDelegate* m_appDelegate = nullptr;
     std::vector<DocumentWindow*> m_windows;
     int m_untitledCount = 0;
 };

@@ -1,5 +1,6 @@
 #include "app/DocumentWindow.h"
 
+#include "app/AppDelegate.h"
 #include "app/DocumentController.h"
 #include "app/DocumentPrompts.h"
 #include "columns/ListViewController.h"
@@ -166,6 +167,18 @@ void DocumentWindow::connectActions() {
             [this] { sendToActiveColumn(&ListViewController::didTapAddNodeBeneath); });
     connect(m_actions.editNote, &QAction::triggered, this,
             [this] { sendToActiveColumn(&ListViewController::didTapEditNode); });
+    AppDelegate* app = m_controller.appDelegate();
+    for (QAction* action : {m_actions.help, m_actions.sendFeedback, m_actions.followOnSocialNetwork,
+                            m_actions.about}) {
+        action->setEnabled(app != nullptr);
+    }
+    if (app) {
+        connect(m_actions.help, &QAction::triggered, app, &AppDelegate::showHelp);
+        connect(m_actions.sendFeedback, &QAction::triggered, app, &AppDelegate::didTapSendFeedback);
+        connect(m_actions.followOnSocialNetwork, &QAction::triggered, app,
+                &AppDelegate::didTapSendFeedbackViaSocialNetwork);
+        connect(m_actions.about, &QAction::triggered, app, [this, app] { app->showAbout(this); });
+    }
 }
 
 void DocumentWindow::attachDocument() {

@@ -1,4 +1,5 @@
-#include "app/AppConfig.h"
+#include "app/AppDelegate.h"
+#include "app/AppInfo.h"
 #include "app/DialogPrompts.h"
 #include "app/DocumentController.h"
 #include "app/QtPictureCodec.h"
@@ -16,7 +17,7 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationName(QStringLiteral("Quillery"));
     QApplication::setApplicationDisplayName(QStringLiteral("Quillery"));
     QApplication::setOrganizationName(QStringLiteral("Quillery"));
-    QApplication::setApplicationVersion(QString::fromUtf8(quillery::config::kVersion));
+    QApplication::setApplicationVersion(quillery::AppInfo::version());
     QApplication::setDesktopFileName(QStringLiteral("org.quillery.Quillery"));
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.quillery.Quillery"),
                                                  QIcon(QStringLiteral(":/quillery.png"))));
@@ -35,6 +36,9 @@ int main(int argc, char* argv[]) {
     quillery::QtPictureCodec codec;
     quillery::DialogPrompts prompts;
     quillery::DocumentController controller(preferences, codec, prompts);
+    quillery::AppDelegate appDelegate;
+    appDelegate.setNewDocumentHandler([&controller] { controller.newDocument(); });
+    controller.setAppDelegate(&appDelegate);
 
     const QStringList packages = parser.positionalArguments();
     for (const QString& package : packages) {
