@@ -46,7 +46,7 @@ DocumentWindow::DocumentWindow(DocumentController& controller, std::unique_ptr<D
     showContent();
     // Room for three columns: the opened note, its children and theirs.
     const int width = splitViewController()->columnWidth();
-    resize(width * 3 + 2, width * 2);
+    resize(width * 3 + 2, width * 9 / 4);
     updateTitle();
     updateActions();
 }

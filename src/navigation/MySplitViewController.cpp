@@ -18,8 +18,8 @@ namespace {
 
 // Widths in ems of the body font: wide enough for a short paragraph per row, narrow enough that
 // three or four columns fit a laptop screen. Panels get more room for editing.
-constexpr double kColumnWidthEm = 22.0;
-constexpr double kPanelWidthEm = 33.0;
+constexpr double kColumnWidthEm = 24.0;
+constexpr double kPanelWidthEm = 36.0;
 
 // The row is always exactly as tall as the visible area. A column with a wrapping label would
 // otherwise ask for more height at narrow widths, and the scroll area would make the row taller
