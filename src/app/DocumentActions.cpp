@@ -19,11 +19,16 @@ QAction* addAction(QMenu* menu, const QString& text, const QString& name,
     return action;
 }
 
-// Every binding the desktop defines for the key (Redo has two on most desktops).
+// Every binding the desktop defines for the key (Redo has two on most desktops). Some desktops
+// define none for Save As or Quit; those get the keys most Linux applications use.
 QAction* addAction(QMenu* menu, const QString& text, const QString& name,
-                   QKeySequence::StandardKey key) {
+                   QKeySequence::StandardKey key, const QKeySequence& fallback = {}) {
     QAction* action = addAction(menu, text, name);
-    action->setShortcuts(key);
+    QList<QKeySequence> keys = QKeySequence::keyBindings(key);
+    if (keys.isEmpty() && !fallback.isEmpty()) {
+        keys.append(fallback);
+    }
+    action->setShortcuts(keys);
     return action;
 }
 
@@ -48,13 +53,14 @@ DocumentActions DocumentActions::create(QMainWindow& window) {
     actions.save =
         addAction(file, trMenu("&Save"), QStringLiteral("actionSave"), QKeySequence::Save);
     actions.saveAs =
-        addAction(file, trMenu("Save &As…"), QStringLiteral("actionSaveAs"), QKeySequence::SaveAs);
+        addAction(file, trMenu("Save &As…"), QStringLiteral("actionSaveAs"), QKeySequence::SaveAs,
+                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
     actions.revert = addAction(file, trMenu("Re&vert to Saved"), QStringLiteral("actionRevert"));
     file->addSeparator();
     actions.close =
         addAction(file, trMenu("&Close"), QStringLiteral("actionClose"), QKeySequence::Close);
-    actions.quit =
-        addAction(file, trMenu("&Quit"), QStringLiteral("actionQuit"), QKeySequence::Quit);
+    actions.quit = addAction(file, trMenu("&Quit"), QStringLiteral("actionQuit"),
+                             QKeySequence::Quit, QKeySequence(Qt::CTRL | Qt::Key_Q));
     actions.quit->setMenuRole(QAction::QuitRole);
 
     QMenu* edit = bar->addMenu(trMenu("&Edit"));

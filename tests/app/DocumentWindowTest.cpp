@@ -4,6 +4,8 @@
 #include <QPointer>
 #include <QTest>
 
+#include <map>
+
 namespace quillery {
 namespace {
 
@@ -71,6 +73,24 @@ TEST_F(DocumentWindowTest, TheNoteMenuActsOnTheFocusedColumn) {
 
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.splitViewController()->panel() != nullptr; }));
     EXPECT_NE(first->temporaryNode(), nullptr);
+}
+
+TEST_F(DocumentWindowTest, EveryCommandHasAShortcutOfItsOwn) {
+    DocumentWindow& window = *controller.newDocument();
+    for (const char* name :
+         {"actionNew", "actionOpen", "actionSave", "actionSaveAs", "actionClose", "actionQuit",
+          "actionUndo", "actionRedo", "actionAddNote", "actionAddNoteBeneath", "actionEditNote"}) {
+        EXPECT_FALSE(action(window, name).shortcut().isEmpty()) << name;
+    }
+    std::map<QString, QString> owners;
+    for (QAction* each : window.findChildren<QAction*>()) {
+        for (const QKeySequence& key : each->shortcuts()) {
+            const auto [owner, inserted] = owners.emplace(key.toString(), each->objectName());
+            EXPECT_TRUE(inserted) << key.toString().toStdString() << " is taken by "
+                                  << owner->second.toStdString() << " and "
+                                  << each->objectName().toStdString();
+        }
+    }
 }
 
 // Saving: in place a moment after each change once there is a location, never before.
