@@ -42,11 +42,6 @@ TEST(VersionText, ShowsVersionAndBuild) {
               QStringLiteral("Version 2.0 (100)"));
 }
 
-TEST(AppInfo, HelpPageIsTheSitesHelpSection) {
-    EXPECT_TRUE(AppInfo::helpUrl().isValid());
-    EXPECT_TRUE(AppInfo::helpUrl().toString().endsWith(QStringLiteral("/#help")));
-}
-
 // Records the addresses the shell asks the desktop to open.
 class OpenedUrls {
 public:

@@ -284,11 +284,6 @@ TEST_F(DropFixture, PlainTextAloneIsRefused) {
     expectRefused(root(), QMimeData(), 0, DropPosition::Above);
 }
 
-TEST_F(DropFixture, DropsWithoutAColumnAreRefused) {
-    EXPECT_EQ(validate(nullptr, *pngDrop(), 0, DropPosition::Above), Qt::IgnoreAction);
-    EXPECT_FALSE(handler.acceptDrop(nullptr, *pngDrop(), 0, DropPosition::Above).accepted);
-}
-
 // Files dropped from a file manager.
 class FileDropFixture : public DropFixture {
 protected:
@@ -335,12 +330,6 @@ INSTANTIATE_TEST_SUITE_P(Extensions, PictureFileDrop,
                                            // written as, JPEG first; the bytes stay TIFF.
                                            PictureFileCase{"scan.tiff", "tiff", "jpg"},
                                            PictureFileCase{"picture", "png", "jpg"}));
-
-TEST_F(FileDropFixture, PictureFileOnARowBecomesThatNotesLastChild) {
-    const QUrl url = write(QStringLiteral("cat.png"), encoded(picture(), "png"));
-    EXPECT_TRUE(drop(root(), *urlDrop(url), 0, DropPosition::On, Qt::CopyAction).accepted);
-    EXPECT_TRUE(a->children().back()->imageIdentifier());
-}
 
 TEST_F(FileDropFixture, FileThatIsNotAPictureBecomesATextNoteWithItsAddress) {
     const QUrl url = write(QStringLiteral("notes.txt"), "just words");

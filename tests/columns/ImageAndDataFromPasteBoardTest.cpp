@@ -67,15 +67,6 @@ TEST(ImageAndDataFromPasteBoard, TakesAnyPictureQtOffers) {
     EXPECT_TRUE(ImageAndDataFromPasteBoard(bmp));
 }
 
-TEST(ImageAndDataFromPasteBoard, TriesTiffThenPngThenQtImage) {
-    QMimeData data;
-    data.setImageData(picture(Qt::green));
-    data.setData(kPng, QByteArray("x"));
-    data.setData(kTiff, QByteArray("x"));
-    EXPECT_EQ(PictureMimeTypes(data).mid(0, 3),
-              (QStringList{kTiff, kPng, QStringLiteral("application/x-qt-image")}));
-}
-
 TEST(ImageAndDataFromPasteBoard, GivesNothingWithoutADecodablePicture) {
     QMimeData text;
     text.setText(QStringLiteral("words"));
@@ -87,10 +78,6 @@ TEST(ImageAndDataFromPasteBoard, GivesNothingWithoutADecodablePicture) {
     broken.setData(kTiff, QByteArray());
     EXPECT_TRUE(HasPictureType(broken));
     EXPECT_FALSE(ImageAndDataFromPasteBoard(broken));
-}
-
-TEST(EncodedPicture, GivesNothingForANullPicture) {
-    EXPECT_FALSE(EncodedPicture(QImage()));
 }
 
 } // namespace
