@@ -24,6 +24,9 @@ std::string temporaryJournalName(const Identifier& client);
 // ".<client>.<file name>.quillery-tmp", beside the picture in "images".
 std::string temporaryPictureName(const Identifier& client, std::string_view fileName);
 bool isTemporaryName(std::string_view fileName);
+// A complete package is built beside its target under ".<package name>.<random>.quillery-tmp".
+std::string buildingDirectoryPrefix(std::string_view packageName);
+std::string buildingDirectoryName(std::string_view packageName, const Identifier& random);
 // Whether the temporary file was made by this client (so it may be cleared: nobody else is
 // writing it).
 bool isOwnTemporaryName(std::string_view fileName, const Identifier& client);

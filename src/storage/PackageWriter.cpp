@@ -259,7 +259,8 @@ std::optional<StorageError> PackageWriter::saveTo(Document& document,
         parent = ".";
     // Built under ".<name>.<random>.quillery-tmp"; one left by an earlier save to the same
     // location that was stopped part-way is cleared first.
-    const std::string buildingPrefix = "." + location.filename().string() + ".";
+    const std::string buildingPrefix =
+        package_layout::buildingDirectoryPrefix(location.filename().string());
     std::vector<DirectoryEntry> siblings;
     if (!m_files.listDirectory(parent, siblings))
         for (const DirectoryEntry& sibling : siblings)
@@ -267,8 +268,8 @@ std::optional<StorageError> PackageWriter::saveTo(Document& document,
                 package_layout::isTemporaryName(sibling.name))
                 m_files.removeTree(parent / sibling.name);
     const std::filesystem::path building =
-        parent / (buildingPrefix + Identifier::makeRandom().toString() +
-                  std::string(package_layout::kTemporarySuffix));
+        parent / package_layout::buildingDirectoryName(location.filename().string(),
+                                                       Identifier::makeRandom());
     if (auto error = m_files.createDirectory(building))
         return writeError(error, "Couldn't save the notebook " + quoted(location));
     if (auto error = buildPackage(document, building)) {
