@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QTest>
 
+#include <fstream>
 #include <map>
 
 namespace quillery {
@@ -106,6 +107,25 @@ TEST_F(DocumentWindowTest, AChangeIsSavedInPlaceAMomentLater) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !window.document().hasUnsavedChanges(); }));
     EXPECT_FALSE(window.isWindowModified());
     EXPECT_EQ(textsOnDisk(location), (std::vector<std::string>{"Hotels", "Flights"}));
+}
+
+TEST_F(DocumentWindowTest, AFailingAutosaveWarnsOnceAndKeepsTheChanges) {
+    const auto location = makePackage("Gone.quillery", {"Flights"});
+    DocumentWindow& window = *controller.openDocument(location);
+    window.setAutosaveDelay(1ms);
+    // A plain file where the package was: nothing can be written into it.
+    std::filesystem::remove_all(location);
+    std::ofstream(location) << "in the way";
+
+    addNote(window, "Hotels");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !prompts.warnings.empty(); }));
+    addNote(window, "Museums");
+    QTest::qWait(30);
+
+    ASSERT_EQ(prompts.warnings.size(), 1u);
+    EXPECT_TRUE(prompts.warnings[0].text.contains(QStringLiteral("Gone")));
+    EXPECT_TRUE(window.document().hasUnsavedChanges());
+    EXPECT_EQ(window.document().rootNode()->children().size(), 3u);
 }
 
 TEST_F(DocumentWindowTest, AnUntitledNotebookIsNotSavedBehindTheUsersBack) {
