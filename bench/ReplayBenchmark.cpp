@@ -8,8 +8,10 @@
 #include <benchmark/benchmark.h>
 #include <chrono>
 #include <cstdio>
+#include <memory>
 #include <random>
 #include <sys/resource.h>
+#include <time.h>
 
 namespace quillery {
 namespace {
@@ -224,6 +226,12 @@ double peakResidentBytes() {
     return static_cast<double>(usage.ru_maxrss) * 1024.0; // Linux reports kilobytes
 }
 
+double threadCpuSeconds() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
 void replay(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
@@ -241,8 +249,10 @@ void replay(benchmark::State& state) {
         state.ResumeTiming();
 
         const auto started = std::chrono::steady_clock::now();
-        Document document(preferences);
-        document.loadData(std::move(merged), std::move(clientDiffs));
+        const double cpuStarted = threadCpuSeconds();
+        auto document = std::make_unique<Document>(preferences);
+        document->loadData(std::move(merged), std::move(clientDiffs));
+        const double cpuSeconds = threadCpuSeconds() - cpuStarted;
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - started;
 
         state.PauseTiming();
@@ -253,14 +263,18 @@ void replay(benchmark::State& state) {
         state.counters["peak_rss_MB"] = peak / 1e6;
         state.counters["journal_json_MB"] = static_cast<double>(jsonBytes) / 1e6;
         state.counters["rss_per_json_byte"] = ratio;
-        state.counters["nodes"] = static_cast<double>(document.nodeCount());
-        std::printf("replay of %zu records: %.3f s (%.0f records/s; target < %.1f s: %s)\n",
-                    kRecordCount, seconds, static_cast<double>(kRecordCount) / seconds,
+        state.counters["nodes"] = static_cast<double>(document->nodeCount());
+        state.counters["replay_cpu_s"] = cpuSeconds;
+        // Wall time is the target; processor time shows how much of it a busy machine took away.
+        std::printf("replay of %zu records: %.3f s wall, %.3f s processor (%.0f records/s; "
+                    "target < %.1f s: %s)\n",
+                    kRecordCount, seconds, cpuSeconds, static_cast<double>(kRecordCount) / seconds,
                     kSecondsTarget, seconds < kSecondsTarget ? "met" : "MISSED");
         std::printf("peak RSS %.1f MB, journal JSON %.1f MB, %.2f bytes per JSON byte "
                     "(target < %.1f: %s)\n",
                     peak / 1e6, static_cast<double>(jsonBytes) / 1e6, ratio,
                     kBytesPerJsonByteTarget, ratio < kBytesPerJsonByteTarget ? "met" : "MISSED");
+        document.reset();
         state.ResumeTiming();
     }
 }

@@ -9,7 +9,9 @@ namespace quillery {
 namespace {
 
 bool isRootIdentifier(const Identifier& identifier) {
-    return identifier == std::string_view("root") || identifier == std::string_view("deleted");
+    static const Identifier root("root");
+    static const Identifier deleted("deleted");
+    return identifier == root || identifier == deleted;
 }
 
 } // namespace
@@ -32,20 +34,23 @@ Document::Document(Preferences& preferences, const PictureCodec* pictureCodec, C
     addLookup(m_deletedRootNode);
 }
 
-Document::~Document() = default;
+Document::~Document() {
+    // Every indexed node lets go of its children here, so that a deep tree is freed node by node
+    // rather than by a recursion as deep as the tree.
+    m_nodeLookup.forEach([](const NodePtr& node) { node->children().clear(); });
+}
 
 TimePoint Document::now() const {
     return m_clock();
 }
 
 NodePtr Document::node(const Identifier& identifier) const {
-    auto found = m_nodeLookup.find(identifier);
-    return found == m_nodeLookup.end() ? nullptr : found->second;
+    const NodePtr* found = m_nodeLookup.findShared(identifier);
+    return found ? *found : nullptr;
 }
 
 void Document::addLookup(NodePtr node) {
-    Identifier identifier = node->identifier();
-    m_nodeLookup.insert_or_assign(std::move(identifier), std::move(node));
+    m_nodeLookup.insertOrAssign(std::move(node));
 }
 
 bool Document::isNode(const NotebookNode& a, const NotebookNode& ancestorOf) const {
@@ -63,10 +68,9 @@ bool Document::isNode(const NotebookNode& a, const NotebookNode& ancestorOf) con
         const Identifier& parent = current->parentIdentifier();
         if (isRootIdentifier(parent) || parent == a.identifier())
             return parent == a.identifier();
-        auto found = m_nodeLookup.find(parent);
-        if (found == m_nodeLookup.end())
+        current = m_nodeLookup.find(parent);
+        if (!current)
             return false;
-        current = found->second.get();
     }
     return false;
 }
@@ -78,21 +82,11 @@ bool Document::liesWithin(const NotebookNode& candidate, const Identifier& ances
             return true;
         if (isRootIdentifier(current->identifier()))
             return false;
-        auto found = m_nodeLookup.find(current->parentIdentifier());
-        if (found == m_nodeLookup.end())
+        current = m_nodeLookup.find(current->parentIdentifier());
+        if (!current)
             return false;
-        current = found->second.get();
     }
     return false;
-}
-
-void Document::loadData(std::vector<DocumentDiff> mergedDiffs,
-                        std::vector<DocumentDiff> clientDiffs) {
-    m_journalingEnabled = false;
-    for (const DocumentDiff& diff : mergedDiffs)
-        applyDiff(diff, false);
-    m_journalingEnabled = true;
-    m_diffs = std::move(clientDiffs);
 }
 
 void Document::appendDiff(DocumentDiff diff) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/DocumentUpdate.h"
+#include "document/NodeIndex.h"
 #include "document/NotebookDataStore.h"
 #include "document/UndoManager.h"
 #include "model/DocumentDiff.h"
@@ -124,6 +125,8 @@ private:
     struct ChangeOutcome;
 
     void announce(const DocumentUpdate& update);
+    // Asks the processor for the memory that the records a little ahead of `at` will touch.
+    void prefetchForReplay(const std::vector<DocumentDiff>& diffs, std::size_t at) const;
     // Journals the record with its reverse when journaling is on, then applies it with
     // notification.
     void record(DocumentDiff diff);
@@ -147,7 +150,7 @@ private:
     std::vector<DocumentDiff> m_redoDiffs;
     NodePtr m_rootNode;
     NodePtr m_deletedRootNode;
-    std::unordered_map<Identifier, NodePtr, IdentifierHash> m_nodeLookup;
+    NodeIndex m_nodeLookup;
     bool m_journalingEnabled = true;
     ImageStore m_images;
     std::optional<std::filesystem::path> m_fileLocation;

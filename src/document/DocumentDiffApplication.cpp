@@ -10,12 +10,20 @@ constexpr std::string_view kCouldNotFindParent =
     "Couldn't find parent! All nodes must have a parent.";
 
 bool isRoot(const NotebookNode& node) {
-    return node.identifier() == std::string_view("root") ||
-           node.identifier() == std::string_view("deleted");
+    static const Identifier root("root");
+    static const Identifier deleted("deleted");
+    return node.identifier() == root || node.identifier() == deleted;
 }
 
-std::optional<std::size_t> indexOfChild(const NotebookNode& parent, const Identifier& identifier) {
+// Finds a child by identifier. The indexed node of that identifier is looked for by address
+// first, which reads no sibling; only when it is not there are the siblings' identifiers compared.
+std::optional<std::size_t> indexOfChild(const NotebookNode& parent, const Identifier& identifier,
+                                        const NotebookNode* indexed) {
     const auto& children = parent.children();
+    if (indexed)
+        for (std::size_t i = 0; i < children.size(); ++i)
+            if (children[i].get() == indexed)
+                return i;
     for (std::size_t i = 0; i < children.size(); ++i)
         if (children[i]->identifier() == identifier)
             return i;
@@ -23,10 +31,12 @@ std::optional<std::size_t> indexOfChild(const NotebookNode& parent, const Identi
 }
 
 // Where a node goes among the children when "before" may name one of them: there, or at the end.
-std::size_t placementIndex(const NotebookNode& parent, const PlainDictionary& payload) {
-    if (const PlainValue* before = payload.find("before"); before && before->isText())
-        if (auto index = indexOfChild(parent, *before->identifier()))
-            return *index;
+std::size_t placementIndex(const NotebookNode& parent, const PlainDictionary& payload,
+                           const NodeIndex& index) {
+    if (const PlainValue* before = payload.find("before"))
+        if (const Identifier* sibling = before->textIdentifier())
+            if (auto found = indexOfChild(parent, *sibling, index.find(*sibling)))
+                return *found;
     return parent.children().size();
 }
 
@@ -52,7 +62,8 @@ struct Document::ChangeOutcome {
 
 void Document::applyDiff(const DocumentDiff& diff, bool withNotification) {
     std::optional<DocumentUpdate> update;
-    if (NodePtr existing = node(diff.identifier)) {
+    if (const NodePtr* found = m_nodeLookup.findShared(diff.identifier)) {
+        NodePtr existing = *found; // kept alive: a destroy takes it out of the index
         const PlainValue* destroy = diff.payload.find("destroy");
         std::optional<bool> destroyFlag = destroy ? destroy->boolValue() : std::nullopt;
         if (!destroyFlag)
@@ -71,12 +82,12 @@ std::optional<DocumentUpdate> Document::applyCreation(const DocumentDiff& diff) 
         NotebookNodeFromPlainDictionary(diff.identifier, diff.timestamp, diff.payload);
     if (!created)
         return std::nullopt;
-    NodePtr parent = node(created->parentIdentifier());
+    NotebookNode* parent = m_nodeLookup.find(created->parentIdentifier());
     if (!parent) {
         diagnostics::writeLine(kCouldNotFindParent);
         return std::nullopt;
     }
-    const std::size_t index = placementIndex(*parent, diff.payload);
+    const std::size_t index = placementIndex(*parent, diff.payload, m_nodeLookup);
     insertChild(*parent, index, created);
     addLookup(created);
     if (created->imageIdentifier())
@@ -94,9 +105,9 @@ std::optional<DocumentUpdate> Document::applyDestroy(const NodePtr& target) {
     // The two roots stay for the life of the document, whatever a journal says.
     if (isRoot(*target))
         return std::nullopt;
-    NodePtr parent = node(target->parentIdentifier());
+    NotebookNode* parent = m_nodeLookup.find(target->parentIdentifier());
     std::optional<std::size_t> index =
-        parent ? indexOfChild(*parent, target->identifier()) : std::nullopt;
+        parent ? indexOfChild(*parent, target->identifier(), target.get()) : std::nullopt;
     if (index)
         eraseChild(*parent, *index);
     m_nodeLookup.erase(target->identifier());
@@ -154,20 +165,21 @@ std::optional<DocumentUpdate> Document::applyChange(const NodePtr& target,
 
 void Document::reorder(NotebookNode& target, const std::string& key, const PlainValue& value,
                        ChangeOutcome& outcome) {
-    if (!value.isText())
+    const Identifier* siblingValue = value.textIdentifier();
+    if (!siblingValue)
         return;
-    NodePtr parent = node(target.parentIdentifier());
+    NotebookNode* parent = m_nodeLookup.find(target.parentIdentifier());
     if (!parent)
         return;
-    std::optional<std::size_t> index = indexOfChild(*parent, target.identifier());
+    std::optional<std::size_t> index = indexOfChild(*parent, target.identifier(), &target);
     if (!index)
         return;
-    NodePtr moving = parent->children()[*index];
+    NodePtr moving = std::move(parent->children()[*index]);
     eraseChild(*parent, *index);
     outcome.oldIndex = index;
-    const Identifier sibling = *value.identifier();
+    const Identifier& sibling = *siblingValue;
     std::size_t insertAt = parent->children().size();
-    if (auto siblingIndex = indexOfChild(*parent, sibling)) {
+    if (auto siblingIndex = indexOfChild(*parent, sibling, m_nodeLookup.find(sibling))) {
         insertAt = key == "before" ? *siblingIndex : *siblingIndex + 1;
     } else {
         std::string line = "Uh-oh: did move ";
@@ -182,32 +194,37 @@ void Document::reorder(NotebookNode& target, const std::string& key, const Plain
 
 void Document::reparent(const NodePtr& target, const PlainValue& value,
                         const PlainDictionary& payload, ChangeOutcome& outcome) {
-    if (!value.isText())
+    const Identifier* newParentValue = value.textIdentifier();
+    if (!newParentValue)
         return;
-    const Identifier newParentIdentifier = *value.identifier();
+    const Identifier newParentIdentifier = *newParentValue;
     // The roots never move, whatever a journal says.
     if (isRoot(*target))
         return;
     // Checked before anything moves, so that a refused move leaves the node where it was and the
     // tree whole: two machines that moved two notes into each other must not cut a branch off.
-    NodePtr destination = node(newParentIdentifier);
+    NotebookNode* destination = m_nodeLookup.find(newParentIdentifier);
     if (!destination) {
         diagnostics::writeLine(kCouldNotFindParent);
         return;
     }
-    if (liesWithin(*destination, target->identifier())) {
+    // A note without children can only be moved into itself.
+    const bool intoItself = target->children().empty()
+                                ? destination->identifier() == target->identifier()
+                                : liesWithin(*destination, target->identifier());
+    if (intoItself) {
         diagnostics::writeLine("Refusing to move a note into itself.");
         return;
     }
-    if (NodePtr source = node(target->parentIdentifier())) {
+    if (NotebookNode* source = m_nodeLookup.find(target->parentIdentifier())) {
         outcome.oldParent = source->identifier();
-        if (auto index = indexOfChild(*source, target->identifier())) {
+        if (auto index = indexOfChild(*source, target->identifier(), target.get())) {
             eraseChild(*source, *index);
             outcome.oldIndex = index;
         }
     }
     target->setParentIdentifier(newParentIdentifier);
-    const std::size_t insertAt = placementIndex(*destination, payload);
+    const std::size_t insertAt = placementIndex(*destination, payload, m_nodeLookup);
     insertChild(*destination, insertAt, target);
     outcome.newIndex = insertAt;
     outcome.newParent = destination->identifier();

@@ -13,7 +13,9 @@ namespace quillery {
 // The text that names a node, a picture or a client. Almost every identifier is a random UUID in
 // its 36-character upper-case form; those are held as their 16 bytes, because a large notebook
 // holds millions of them. Any other text ("root", "deleted", "none", or whatever a journal from
-// elsewhere says) is kept as it is. Either way the identifier behaves exactly like its text.
+// elsewhere says) is kept as it is: up to 8 bytes inside the object, longer texts in a shared,
+// immutable, reference-counted block. Either way the identifier behaves exactly like its text,
+// is 16 bytes large, and is cheap to copy. Texts of 4 GiB or more are refused (length_error).
 class Identifier {
 public:
     // The empty text.
@@ -21,6 +23,11 @@ public:
     explicit Identifier(std::string_view text);
     explicit Identifier(const char* text)
         : Identifier(std::string_view(text)) {}
+    Identifier(const Identifier& other);
+    Identifier(Identifier&& other) noexcept;
+    Identifier& operator=(const Identifier& other);
+    Identifier& operator=(Identifier&& other) noexcept;
+    ~Identifier();
 
     // A new random (version 4) UUID in upper-case text form.
     static Identifier makeRandom();
@@ -29,18 +36,40 @@ public:
     void appendTo(std::string& out) const;
     std::size_t size() const;
     bool isEmpty() const;
-    bool isUuid() const { return !m_text; }
+    bool isUuid() const { return (m_bytes[kTagByte] & 0xC0) == 0x80; }
+    // The text itself, when the identifier is not a UUID (an empty view for a UUID).
+    std::string_view textView() const;
 
     std::size_t hash() const;
 
-    friend bool operator==(const Identifier& a, const Identifier& b);
+    friend bool operator==(const Identifier& a, const Identifier& b) {
+        // UUIDs and short texts are equal exactly when their bytes are; only two shared blocks
+        // need their texts compared.
+        if (a.m_bytes == b.m_bytes)
+            return true;
+        return a.isShared() && b.isShared() && a.textView() == b.textView();
+    }
     friend bool operator==(const Identifier& a, std::string_view text);
     // Orders like the texts do.
     friend std::strong_ordering operator<=>(const Identifier& a, const Identifier& b);
 
 private:
-    std::array<std::uint8_t, 16> m_uuid{};
-    std::shared_ptr<const std::string> m_text; // null exactly when the identifier is a UUID
+    // Byte 8 of a UUID holds its variant, 10xxxxxx for every UUID of the usual variant; only
+    // those are held as bytes. Other forms put a tag there: kInlineTag with the length in byte 9
+    // and the text in bytes 0 to 7, or kSharedTag with a pointer to the shared block in bytes 0
+    // to 7.
+    static constexpr std::size_t kTagByte = 8;
+    static constexpr std::uint8_t kInlineTag = 0x01;
+    static constexpr std::uint8_t kSharedTag = 0x02;
+    static constexpr std::size_t kInlineCapacity = 8;
+    struct SharedText;
+
+    bool isShared() const { return m_bytes[kTagByte] == kSharedTag; }
+    SharedText* shared() const;
+    void retain() const;
+    void release();
+
+    alignas(8) std::array<std::uint8_t, 16> m_bytes{};
 };
 
 struct IdentifierHash {

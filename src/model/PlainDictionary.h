@@ -2,6 +2,7 @@
 
 #include "model/Identifier.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,7 +20,8 @@ struct RawJson {
 };
 
 // One value of a plain dictionary: a text, a truth value or any other JSON value as raw JSON.
-// Texts that are canonical UUIDs are stored compactly; that never shows through the interface.
+// Texts are held like identifiers (canonical UUIDs in 16 bytes, other texts shared between
+// copies); that never shows through the interface.
 class PlainValue {
 public:
     PlainValue(std::string text);
@@ -37,23 +39,31 @@ public:
     std::optional<std::string> text() const;
     // The text as an identifier, when the value is a text; cheap for UUIDs.
     std::optional<Identifier> identifier() const;
+    // The same without a copy; null when the value is not a text.
+    const Identifier* textIdentifier() const { return std::get_if<Identifier>(&m_value); }
     std::optional<bool> boolValue() const;
     const RawJson* rawJson() const;
 
     friend bool operator==(const PlainValue& a, const PlainValue& b);
 
 private:
-    std::variant<std::string, Identifier, bool, RawJson> m_value;
+    std::variant<Identifier, bool, std::shared_ptr<const RawJson>> m_value;
 };
 
 // A small map from text keys to plain values that keeps its keys in insertion order. Record
-// payloads hold a handful of keys, so a linear search beats hashing.
+// payloads hold a handful of keys, so a linear search beats hashing. Copies share their entries
+// until one of them is changed, so a record costs one pointer to copy; a notebook holds millions.
 class PlainDictionary {
 public:
     using Entry = std::pair<std::string, PlainValue>;
 
     PlainDictionary() = default;
     PlainDictionary(std::initializer_list<Entry> entries);
+    PlainDictionary(const PlainDictionary& other);
+    PlainDictionary(PlainDictionary&& other) noexcept;
+    PlainDictionary& operator=(const PlainDictionary& other);
+    PlainDictionary& operator=(PlainDictionary&& other) noexcept;
+    ~PlainDictionary();
 
     const PlainValue* find(std::string_view key) const;
     bool contains(std::string_view key) const { return find(key) != nullptr; }
@@ -62,17 +72,28 @@ public:
     bool erase(std::string_view key);
     // Adds every entry of other, replacing the values of keys that are already here.
     void merge(const PlainDictionary& other);
+    // Makes room for this many entries in all, so that adding them allocates once.
+    void reserve(std::size_t count);
 
-    std::size_t size() const { return m_entries.size(); }
-    bool empty() const { return m_entries.empty(); }
-    auto begin() const { return m_entries.begin(); }
-    auto end() const { return m_entries.end(); }
+    std::size_t size() const;
+    bool empty() const { return size() == 0; }
+    const Entry* begin() const;
+    const Entry* end() const { return begin() + size(); }
+
+    // Where the entries lie in memory, for a reader that asks the processor to fetch them ahead.
+    const void* storageAddress() const { return m_storage; }
 
     // Equal when both hold the same keys with equal values, in any order.
     friend bool operator==(const PlainDictionary& a, const PlainDictionary& b);
 
 private:
-    std::vector<Entry> m_entries;
+    struct Storage;
+
+    Entry* entries() const;
+    // Gives this dictionary storage of its own with room for at least `capacity` entries.
+    void makeUnique(std::size_t capacity);
+
+    Storage* m_storage = nullptr; // null while empty and never changed
 };
 
 } // namespace quillery
