@@ -56,15 +56,5 @@ TEST_F(PackageFileDialogTest, SaveAppendsTheSuffixToANewName) {
     EXPECT_EQ(dialog.chosenPackage(), fsPath(path(QStringLiteral("Recipes.quillery"))));
 }
 
-TEST_F(PackageFileDialogTest, SuffixesAreAddedOnce) {
-    EXPECT_EQ(PackageFileDialog::withPackageSuffix(QStringLiteral("a")),
-              QStringLiteral("a.quillery"));
-    EXPECT_EQ(PackageFileDialog::withPackageSuffix(QStringLiteral("a.quillery")),
-              QStringLiteral("a.quillery"));
-    EXPECT_TRUE(PackageFileDialog::isPackage(path(QStringLiteral("Trip.quillery"))));
-    EXPECT_FALSE(PackageFileDialog::isPackage(path(QStringLiteral("Folder"))));
-    EXPECT_FALSE(PackageFileDialog::isPackage(path(QStringLiteral("Missing.quillery"))));
-}
-
 } // namespace
 } // namespace quillery

@@ -103,11 +103,6 @@ TEST_F(ColumnSlotsTest, LoadingTheRootMakesOneColumnOnceOnly) {
     EXPECT_TRUE(slots.loadedRootNode());
 }
 
-TEST_F(ColumnSlotsTest, WithoutADocumentTheFirstColumnHasNoNote) {
-    slots.loadRootNode(nullptr);
-    EXPECT_THAT(names(), ElementsAre("-"));
-}
-
 TEST_F(ColumnSlotsTest, SelectingInTheFirstColumnReplacesEveryColumnRightOfIt) {
     openFourColumns();
 
@@ -200,13 +195,6 @@ TEST_F(ColumnSlotsTest, DismissingRestoresTheColumnsAndFocusesTheOneThatOpenedTh
     host.log.clear();
     host.runLater();
     EXPECT_THAT(host.log, ElementsAre("scroll a", "focus a"));
-}
-
-TEST_F(ColumnSlotsTest, PresentingFromTheLastColumnPutsNothingAside) {
-    openFourColumns();
-    slots.present(host.makePanel(), 4);
-    EXPECT_THAT(names(), ElementsAre("root", "a", "b", "c", "panel"));
-    EXPECT_THAT(slots.savedItems(), IsEmpty());
 }
 
 TEST_F(ColumnSlotsTest, ASecondPanelIsRefusedAndChangesNothing) {
