@@ -42,6 +42,7 @@ public:
 // The file operations packages are read and written with. Packages come from elsewhere, so no
 // operation follows a symbolic link at the end of the path it is given: links are reported, not
 // opened. The real implementation is PosixFileSystem; tests inject failures through a fake.
+// readFile() may be called from several threads at once.
 class FileSystem {
 public:
     virtual ~FileSystem() = default;

@@ -26,9 +26,8 @@ enum class RecordOutcome { ok, rejected, notAnObject, badJson };
 
 class JournalReader::Parser {
 public:
-    std::optional<StorageError> read(const char* data, std::size_t size,
-                                     std::string_view journalName,
-                                     std::vector<DocumentDiff>& diffs);
+    JournalReader::Outcome read(const char* data, std::size_t size, std::string_view journalName,
+                                std::vector<DocumentDiff>& diffs);
 
 private:
     // Why the journal could not be read; decided after a full syntax check, because the
@@ -198,13 +197,13 @@ JournalReader::Parser::readDiffs(ondemand::value value, std::vector<DocumentDiff
     return rejected ? DiffsOutcome::rejected : DiffsOutcome::ok;
 }
 
-std::optional<StorageError> JournalReader::Parser::read(const char* data, std::size_t size,
-                                                        std::string_view journalName,
-                                                        std::vector<DocumentDiff>& diffs) {
+JournalReader::Outcome JournalReader::Parser::read(const char* data, std::size_t size,
+                                                   std::string_view journalName,
+                                                   std::vector<DocumentDiff>& diffs) {
     std::vector<DocumentDiff> records;
     std::string problem;
     auto fail = [&](std::string_view why) {
-        return failure(data, size, journalName, why);
+        return JournalReader::Outcome{failure(data, size, journalName, why)};
     };
 
     ondemand::document document;
@@ -236,12 +235,14 @@ std::optional<StorageError> JournalReader::Parser::read(const char* data, std::s
     if (!sawDiffs)
         return fail("it has no \"diffs\" list");
     if (rejected) {
-        // Written only once the whole journal is known to be JSON of the right shape.
-        diagnostics::writeLine("Bad diff.");
-        return fail(problem);
+        // "Bad diff." is due only now that the whole journal is known to be JSON of the right
+        // shape.
+        auto outcome = fail(problem);
+        outcome.rejectedRecord = true;
+        return outcome;
     }
     diffs = std::move(records);
-    return std::nullopt;
+    return {};
 }
 
 StorageError JournalReader::Parser::failure(const char* data, std::size_t size,
@@ -263,10 +264,19 @@ JournalReader::JournalReader()
 
 JournalReader::~JournalReader() = default;
 
+JournalReader::Outcome JournalReader::parse(const FileContents& contents,
+                                            std::string_view journalName,
+                                            std::vector<DocumentDiff>& diffs) {
+    return m_parser->read(contents.data.get(), contents.size, journalName, diffs);
+}
+
 std::optional<StorageError> JournalReader::read(const FileContents& contents,
                                                 std::string_view journalName,
                                                 std::vector<DocumentDiff>& diffs) {
-    return m_parser->read(contents.data.get(), contents.size, journalName, diffs);
+    Outcome outcome = parse(contents, journalName, diffs);
+    if (outcome.rejectedRecord)
+        diagnostics::writeLine("Bad diff.");
+    return outcome.error;
 }
 
 std::optional<StorageError> JournalReader::read(std::string_view bytes,

@@ -34,6 +34,16 @@ public:
     std::optional<StorageError> read(std::string_view bytes, std::string_view journalName,
                                      std::vector<DocumentDiff>& diffs);
 
+    struct Outcome {
+        std::optional<StorageError> error;
+        // The journal was rejected for a malformed record: "Bad diff." is due.
+        bool rejectedRecord = false;
+    };
+    // read() without writing the diagnostic line, for readers on other threads than the one
+    // the diagnostics belong to.
+    Outcome parse(const FileContents& contents, std::string_view journalName,
+                  std::vector<DocumentDiff>& diffs);
+
 private:
     class Parser;
     std::unique_ptr<Parser> m_parser;

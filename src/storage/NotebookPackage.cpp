@@ -1,5 +1,6 @@
 #include "storage/NotebookPackage.h"
 
+#include "storage/JournalReader.h"
 #include "storage/PackageReader.h"
 #include "storage/PackageWriter.h"
 #include "storage/PosixFileSystem.h"

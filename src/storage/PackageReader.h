@@ -1,6 +1,5 @@
 #pragma once
 
-#include "storage/JournalReader.h"
 #include "storage/NotebookPackage.h"
 
 namespace quillery {
@@ -25,7 +24,6 @@ private:
 
     FileSystem& m_files;
     const PictureCodec& m_codec;
-    JournalReader m_journalReader;
 };
 
 } // namespace quillery

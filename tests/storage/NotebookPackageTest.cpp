@@ -180,6 +180,37 @@ TEST_F(NotebookPackageTest, JournalsMergeInByteOrderOfNamesForRecordsOfTheSameSe
     EXPECT_EQ(children[2]->text(), "from b");
 }
 
+TEST_F(NotebookPackageTest, RecordsOutOfTimeOrderAreSortedByTime) {
+    std::filesystem::create_directory(m_package);
+    auto record = [](const std::string& second, const std::string& id) {
+        return R"({"timestamp": "2017-03-04T10:00:)" + second + R"(GMT", "identifier": ")" + id +
+               R"(", "text": ")" + id + R"(", "parent": "root"})";
+    };
+    writeText(m_package / "a.journal",
+              "{\"diffs\": [" + record("03", "third") + ", " + record("01", "first") + "]}");
+    writeText(m_package / "b.journal", "{\"diffs\": [" + record("02", "second") + "]}");
+
+    open(m_a, m_package);
+
+    std::vector<std::string> texts;
+    for (const NodePtr& child : m_a.document->rootNode()->children())
+        texts.push_back(child->text());
+    EXPECT_THAT(texts, ElementsAre("first", "second", "third"));
+}
+
+TEST_F(NotebookPackageTest, OnlyTheFirstBadJournalIsReported) {
+    std::filesystem::create_directory(m_package);
+    const char* badRecord = R"({"diffs": [{"identifier": "N"}]})";
+    writeText(m_package / "a.journal", badRecord);
+    writeText(m_package / "b.journal", badRecord);
+
+    auto error = tryOpen(m_a, m_package);
+
+    ASSERT_TRUE(error);
+    EXPECT_THAT(error->message, HasSubstr("“a.journal”"));
+    EXPECT_THAT(m_lines, ElementsAre("Bad diff."));
+}
+
 TEST_F(NotebookPackageTest, BackupOfOwnJournalIsNotCarriedButIsReadAsJournal) {
     m_a.addNote("note");
     save(m_a, m_package);

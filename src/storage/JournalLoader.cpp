@@ -1,0 +1,48 @@
+#include "storage/JournalLoader.h"
+
+#include "storage/FileSystem.h"
+#include "storage/JournalReader.h"
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+namespace quillery {
+
+JournalLoader::JournalLoader(FileSystem& files)
+    : m_files(files) {
+}
+
+std::vector<JournalLoader::Journal> JournalLoader::load(const std::filesystem::path& package,
+                                                        const std::vector<std::string>& fileNames) {
+    std::vector<Journal> journals(fileNames.size());
+    std::atomic<std::size_t> next = 0;
+    auto work = [&] {
+        JournalReader reader;
+        for (std::size_t i = next++; i < journals.size(); i = next++) {
+            Journal& journal = journals[i];
+            journal.fileName = fileNames[i];
+            FileContents contents;
+            if (auto error = m_files.readFile(package / journal.fileName, contents)) {
+                journal.error = storage_errors::fromFileError(
+                    error, false, "Couldn't read the journal “" + journal.fileName + "”");
+                continue;
+            }
+            journal.empty = contents.size == 0;
+            if (journal.empty)
+                continue;
+            auto outcome = reader.parse(contents, journal.fileName, journal.diffs);
+            journal.error = std::move(outcome.error);
+            journal.rejectedRecord = outcome.rejectedRecord;
+        }
+    };
+    std::size_t threads =
+        std::min<std::size_t>(fileNames.size(), std::max(1u, std::thread::hardware_concurrency()));
+    std::vector<std::jthread> workers;
+    for (std::size_t i = 1; i < threads; ++i)
+        workers.emplace_back(work);
+    work();
+    return journals;
+}
+
+} // namespace quillery
