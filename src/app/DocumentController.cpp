@@ -8,6 +8,8 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <iterator>
 #include <system_error>
 
 namespace quillery {
@@ -108,8 +110,16 @@ DocumentWindow* DocumentController::openDocument(const std::filesystem::path& lo
         return nullptr;
     }
     m_recentDocuments.note(qtPath(package));
+    // An untitled notebook nobody has written in yet makes way for the one opened, as the
+    // window shown at start-up usually is.
+    std::vector<DocumentWindow*> unused;
+    std::ranges::copy_if(m_windows, std::back_inserter(unused),
+                         [](DocumentWindow* open) { return open->isUntouchedAndUntitled(); });
     DocumentWindow* window = addWindow(std::move(result.document), QString());
     window->show();
+    for (DocumentWindow* open : unused) {
+        open->close();
+    }
     return window;
 }
 

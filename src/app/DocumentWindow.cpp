@@ -67,6 +67,10 @@ QString DocumentWindow::displayName() const {
     return location ? QFileInfo(qtPath(*location)).completeBaseName() : m_untitledName;
 }
 
+bool DocumentWindow::isUntouchedAndUntitled() const {
+    return !m_document->fileLocation() && m_document->diffs().empty() && !m_undoManager->canRedo();
+}
+
 bool DocumentWindow::save() {
     if (!m_document->fileLocation()) {
         return saveAs();

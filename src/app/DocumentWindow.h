@@ -42,6 +42,9 @@ public:
     // How long after a change the notebook saves itself (kAutosaveDelayMs unless changed).
     void setAutosaveDelay(std::chrono::milliseconds delay) { m_autosaveTimer.setInterval(delay); }
 
+    // A new notebook that has never been saved and holds no record of any edit.
+    bool isUntouchedAndUntitled() const;
+
     // Each returns whether the notebook is now saved; failures were shown to the user.
     bool save();
     bool saveAs();

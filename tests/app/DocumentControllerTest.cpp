@@ -1,5 +1,6 @@
 #include "app/AppFixture.h"
 
+#include <QPointer>
 #include <QTest>
 
 #include <fstream>
@@ -33,6 +34,19 @@ TEST_F(DocumentControllerTest, OpeningAPackageShowsItsNotesUnderItsName) {
     EXPECT_TRUE(prompts.warnings.empty());
     EXPECT_EQ(controller.recentDocuments().paths().value(0),
               QString::fromStdString(location.string()));
+}
+
+TEST_F(DocumentControllerTest, AnUntouchedUntitledNotebookMakesWayForTheOneOpened) {
+    QPointer<DocumentWindow> untouched = controller.newDocument();
+    QPointer<DocumentWindow> written = controller.newDocument();
+    addNote(*written, "draft");
+    prompts.saveChoice = DocumentPrompts::SaveChoice::Cancel;
+
+    controller.openDocument(makePackage("Trip.quillery", {"Flights"}));
+
+    EXPECT_TRUE(QTest::qWaitFor([&] { return untouched.isNull(); }));
+    EXPECT_FALSE(written.isNull());
+    EXPECT_TRUE(prompts.savePromptsFor.empty());
 }
 
 TEST_F(DocumentControllerTest, OpeningAnOpenPackageAgainReusesItsWindow) {
