@@ -1,6 +1,7 @@
 #include "navigation/MySplitViewController.h"
 
 #include "columns/CustomTableView.h"
+#include "columns/EditNodeViewController.h"
 #include "columns/ImageDetailViewController.h"
 #include "columns/ListViewController.h"
 #include "columns/QtPicture.h"
@@ -167,6 +168,27 @@ TEST_F(MySplitViewControllerTest, DismissingRestoresTheColumnsAndFocusesTheOpene
     ASSERT_EQ(scrolls.requests.size(), 1u);
     EXPECT_EQ(scrolls.requests[0], column(1).geometry());
     split.setDelegate(&host);
+}
+
+// The real editor, opened by a column's Edit command and closed by its Cancel.
+TEST_F(MySplitViewControllerTest, TheEditorOpensBesideItsColumnAndClosesBackIntoIt) {
+    host.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&host));
+    openFourColumns();
+
+    column(1).didTapEditNode();
+
+    auto* editor = qobject_cast<EditNodeViewController*>(split.panel());
+    ASSERT_NE(editor, nullptr);
+    EXPECT_EQ(split.items().size(), 3u);
+    EXPECT_EQ(split.items()[2], editor);
+
+    editor->didTapCancel();
+
+    EXPECT_EQ(representedNodes(), (std::vector<NodePtr>{document.rootNode(), a, a2, a2x}));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return column(1).isAncestorOf(QApplication::focusWidget()); }));
+    EXPECT_EQ(column(1).selectedNode(), a2);
 }
 
 TEST_F(MySplitViewControllerTest, ASecondPanelIsRefusedAndDeleted) {
