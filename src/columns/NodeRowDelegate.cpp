@@ -196,13 +196,14 @@ void NodeRowDelegate::paintText(QPainter& painter, const QStyleOptionViewItem& o
 void NodeRowDelegate::paintChildCount(QPainter& painter, const QStyleOptionViewItem& option,
                                       std::size_t count) const {
     QFont font = option.font;
-    font.setPointSizeF(font.pointSizeF() * 0.85);
+    font.setBold(true);
     const QFontMetrics metrics(font);
     const QString text = QString::number(count);
-    const int height = metrics.height();
-    const int width = std::max(height, metrics.horizontalAdvance(text) + height / 2);
+    const int height = metrics.height() + 2;
+    const int width = std::max(height, metrics.horizontalAdvance(text) + height * 2 / 3);
+    // In the corner below the text, which the 24 of vertical space leaves free.
     const QRect badge(option.rect.right() - kTextInset - width + 1,
-                      option.rect.bottom() - height - 1, width, height);
+                      option.rect.bottom() - height - 3, width, height);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     // A mid-gray pill keeps the white count legible on light and dark backgrounds alike.
