@@ -38,6 +38,9 @@ private:
     DiffsOutcome readDiffs(ondemand::value value, std::vector<DocumentDiff>& diffs,
                            std::string& problem);
     RecordOutcome readRecord(ondemand::value value, std::vector<DocumentDiff>& diffs, bool keep);
+    enum class ValueKind { text, other, bad };
+    // The text of a string value; `other` for any other value, `bad` for an invalid string.
+    ValueKind text(ondemand::value& value, std::string_view& text);
     // The value as the payload keeps it; nothing when it is not valid JSON.
     std::optional<PlainValue> plainValue(ondemand::value value);
     // The exact JSON text of a value other than a text or truth value, checked in full.
@@ -83,16 +86,33 @@ std::optional<std::string_view> JournalReader::Parser::checkedRawText(ondemand::
     return text;
 }
 
+JournalReader::Parser::ValueKind JournalReader::Parser::text(ondemand::value& value,
+                                                             std::string_view& text) {
+    std::string_view token = trimTrailingSpace(value.raw_json_token());
+    if (token.empty() || token.front() != '"')
+        return ValueKind::other;
+    // Most texts hold no escape: take them straight from the input, which the first pass of the
+    // parser has checked for valid UTF-8 and unescaped control characters already.
+    if (token.size() >= 2 && token.back() == '"' && token.find('\\') == std::string_view::npos) {
+        text = token.substr(1, token.size() - 2);
+        return ValueKind::text;
+    }
+    return value.get_string().get(text) ? ValueKind::bad : ValueKind::text;
+}
+
 std::optional<PlainValue> JournalReader::Parser::plainValue(ondemand::value value) {
+    std::string_view textValue;
+    switch (text(value, textValue)) {
+    case ValueKind::text:
+        return PlainValue(textValue);
+    case ValueKind::bad:
+        return std::nullopt;
+    case ValueKind::other:
+        break;
+    }
     ondemand::json_type type;
     if (value.type().get(type))
         return std::nullopt;
-    if (type == ondemand::json_type::string) {
-        std::string_view text;
-        if (value.get_string().get(text))
-            return std::nullopt;
-        return PlainValue(text);
-    }
     if (type == ondemand::json_type::boolean) {
         bool flag = false;
         if (value.get_bool().get(flag))
@@ -115,6 +135,7 @@ RecordOutcome JournalReader::Parser::readRecord(ondemand::value value,
     std::optional<TimePoint> timestamp;
     std::optional<Identifier> identifier;
     PlainDictionary payload;
+    payload.reserve(4); // a new note's text, parent, neighbour and one more
     for (auto field : object) {
         std::string_view key;
         ondemand::value fieldValue;
@@ -131,10 +152,11 @@ RecordOutcome JournalReader::Parser::readRecord(ondemand::value value,
                 payload.set(std::move(name), std::move(*parsed));
             continue;
         }
-        ondemand::json_type type;
-        if (fieldValue.type().get(type))
+        std::string_view text;
+        ValueKind kind = this->text(fieldValue, text);
+        if (kind == ValueKind::bad)
             return RecordOutcome::badJson;
-        if (type != ondemand::json_type::string) {
+        if (kind == ValueKind::other) {
             if (!plainValue(fieldValue))
                 return RecordOutcome::badJson;
             if (isTimestamp)
@@ -143,9 +165,6 @@ RecordOutcome JournalReader::Parser::readRecord(ondemand::value value,
                 identifier.reset();
             continue;
         }
-        std::string_view text;
-        if (fieldValue.get_string().get(text))
-            return RecordOutcome::badJson;
         if (isTimestamp)
             timestamp = stamp(text);
         else
@@ -201,6 +220,7 @@ JournalReader::Outcome JournalReader::Parser::read(const char* data, std::size_t
                                                    std::string_view journalName,
                                                    std::vector<DocumentDiff>& diffs) {
     std::vector<DocumentDiff> records;
+    records.reserve(size / 160); // a record takes about 200 bytes pretty-printed
     std::string problem;
     auto fail = [&](std::string_view why) {
         return JournalReader::Outcome{failure(data, size, journalName, why)};

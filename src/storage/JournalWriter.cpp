@@ -13,12 +13,29 @@ constexpr std::size_t kChunkSize = 1 << 20;
 } // namespace
 
 const std::string& JournalWriter::stampText(TimePoint time) {
-    // A log's records come in bursts made within one second; their stamps repeat.
-    auto second = std::chrono::floor<std::chrono::seconds>(time);
-    if (m_lastStampText.empty() || second != m_lastStampSecond) {
-        m_lastStampSecond = second;
+    using namespace std::chrono;
+    auto second = floor<seconds>(time);
+    if (!m_lastStampText.empty() && second == m_lastStampSecond)
+        return m_lastStampText;
+    auto day = floor<days>(second);
+    m_lastStampSecond = second;
+    // Stamps of one day differ only in "HH:mm:ss" (after "yyyy-MM-ddT"): only the first stamp of
+    // each day is made by StringFromDate, the others by changing those digits.
+    constexpr std::size_t kTimeAt = 11;
+    if (m_lastStampText.empty() || day != m_lastStampDay || m_lastStampText.size() < kTimeAt + 8 ||
+        m_lastStampText[kTimeAt - 1] != 'T') {
+        m_lastStampDay = day;
         m_lastStampText = StringFromDate(time);
+        return m_lastStampText;
     }
+    hh_mm_ss timeOfDay(second - day);
+    auto twoDigits = [&](std::size_t at, long value) {
+        m_lastStampText[at] = static_cast<char>('0' + value / 10);
+        m_lastStampText[at + 1] = static_cast<char>('0' + value % 10);
+    };
+    twoDigits(kTimeAt, timeOfDay.hours().count());
+    twoDigits(kTimeAt + 3, timeOfDay.minutes().count());
+    twoDigits(kTimeAt + 6, static_cast<long>(timeOfDay.seconds().count()));
     return m_lastStampText;
 }
 

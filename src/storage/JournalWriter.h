@@ -3,6 +3,7 @@
 #include "model/DocumentDiff.h"
 #include "storage/FileSystem.h"
 
+#include <chrono>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -28,7 +29,8 @@ private:
     const std::string& stampText(TimePoint time);
 
     std::string m_buffer;
-    TimePoint m_lastStampSecond{};
+    std::chrono::sys_seconds m_lastStampSecond{};
+    std::chrono::sys_days m_lastStampDay{};
     std::string m_lastStampText;
 };
 

@@ -1,5 +1,6 @@
 #include "storage/JsonWriter.h"
 
+#include <array>
 #include <charconv>
 #include <simdjson.h>
 
@@ -8,6 +9,16 @@ namespace quillery {
 namespace {
 
 constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD";
+
+// 1 for the bytes a JSON text cannot hold as they are: control characters, '"' and '\\'.
+constexpr std::array<std::uint8_t, 256> kNeedsEscape = [] {
+    std::array<std::uint8_t, 256> table{};
+    for (int c = 0; c < 0x20; ++c)
+        table[static_cast<std::size_t>(c)] = 1;
+    table['"'] = 1;
+    table['\\'] = 1;
+    return table;
+}();
 
 // Length of the valid UTF-8 sequence that starts the text, or 0 when it does not start with one.
 std::size_t validSequenceLength(std::string_view text) {
@@ -122,7 +133,7 @@ void JsonWriter::raw(std::string_view json) {
 
 void JsonWriter::identifier(const Identifier& identifier) {
     if (!identifier.isUuid()) {
-        string(identifier.toString());
+        string(identifier.textView());
         return;
     }
     beforeValue();
@@ -132,14 +143,12 @@ void JsonWriter::identifier(const Identifier& identifier) {
 }
 
 void JsonWriter::value(const PlainValue& value) {
-    if (auto flag = value.boolValue())
+    if (const Identifier* text = value.textIdentifier())
+        identifier(*text);
+    else if (auto flag = value.boolValue())
         boolean(*flag);
     else if (const RawJson* json = value.rawJson())
         raw(json->text);
-    else if (auto asIdentifier = value.identifier(); asIdentifier && asIdentifier->isUuid())
-        identifier(*asIdentifier);
-    else
-        string(value.text().value_or(std::string()));
 }
 
 void JsonWriter::dictionary(const PlainDictionary& dictionary) {
@@ -153,12 +162,25 @@ void JsonWriter::dictionary(const PlainDictionary& dictionary) {
 
 void JsonWriter::appendEscaped(std::string_view text) {
     static constexpr char kHex[] = "0123456789abcdef";
-    bool valid = simdjson::validate_utf8(text.data(), text.size());
+    // Most texts are plain ASCII with nothing to escape: copy those in one go.
+    bool ascii = true;
+    bool plain = true;
+    for (char byte : text) {
+        auto c = static_cast<unsigned char>(byte);
+        ascii = ascii && c < 0x80;
+        plain = plain && kNeedsEscape[c] == 0;
+    }
     m_out += '"';
+    if (ascii && plain) {
+        m_out += text;
+        m_out += '"';
+        return;
+    }
+    bool valid = ascii || simdjson::validate_utf8(text.data(), text.size());
     std::size_t runStart = 0;
     for (std::size_t i = 0; i < text.size();) {
         auto c = static_cast<unsigned char>(text[i]);
-        if (c >= 0x20 && c != '"' && c != '\\' && (valid || c < 0x80)) {
+        if (kNeedsEscape[c] == 0 && (valid || c < 0x80)) {
             ++i;
             continue;
         }

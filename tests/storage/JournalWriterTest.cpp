@@ -1,0 +1,65 @@
+#include "storage/JournalWriter.h"
+
+#include <chrono>
+#include <gtest/gtest.h>
+#include <simdjson.h>
+
+namespace quillery {
+namespace {
+
+class StringFile : public WritableFile {
+public:
+    std::error_code append(std::string_view bytes) override {
+        text.append(bytes);
+        return {};
+    }
+    std::error_code sync() override { return {}; }
+    std::error_code close() override { return {}; }
+    std::string text;
+};
+
+TEST(JournalWriterTest, StampsMatchTheDateFormatterAcrossSecondsAndDays) {
+    using namespace std::chrono;
+    TimePoint start = sys_days{2016y / December / 31} + 22h + 59min + 58s + 700ms;
+    std::vector<DocumentDiff> diffs;
+    for (int i = 0; i < 200; ++i)
+        diffs.emplace_back(start + seconds(i * i * 37) + milliseconds(i * 13), Identifier("N"),
+                           PlainDictionary{});
+    StringFile file;
+    ASSERT_TRUE(JournalWriter().write(file, Identifier("C"), start, diffs));
+
+    simdjson::dom::parser parser;
+    simdjson::dom::element journal = parser.parse(file.text);
+    EXPECT_EQ(int64_t(journal["version"]), 200);
+    EXPECT_EQ(std::string_view(journal["last_modified"]), StringFromDate(start));
+    std::size_t i = 0;
+    for (simdjson::dom::element record : journal["diffs"])
+        EXPECT_EQ(std::string_view(record["timestamp"]), StringFromDate(diffs[i++].timestamp));
+    EXPECT_EQ(i, diffs.size());
+}
+
+TEST(JournalWriterTest, PayloadStampAndIdentifierWinOverTheRecords) {
+    std::vector<DocumentDiff> diffs{
+        DocumentDiff(TimePoint{}, Identifier("N"),
+                     PlainDictionary{{"identifier", "M"}, {"text", "t"}, {"timestamp", "x"}})};
+    StringFile file;
+    ASSERT_TRUE(JournalWriter().write(file, Identifier("C"), TimePoint{}, diffs));
+    EXPECT_NE(file.text.find("{\n      \"timestamp\" : \"x\",\n      \"identifier\" : \"M\",\n"
+                             "      \"text\" : \"t\"\n    }"),
+              std::string::npos)
+        << file.text;
+}
+
+TEST(JournalWriterTest, FileErrorStopsTheWrite) {
+    class FullFile : public StringFile {
+        std::error_code append(std::string_view) override {
+            return std::make_error_code(std::errc::no_space_on_device);
+        }
+    } file;
+    auto result = JournalWriter().write(file, Identifier("C"), TimePoint{}, {});
+    EXPECT_FALSE(result);
+    EXPECT_EQ(result.fileError, std::errc::no_space_on_device);
+}
+
+} // namespace
+} // namespace quillery
