@@ -40,6 +40,26 @@ TEST_F(Replay, TouchCountsAChangeAndStampsIt) {
     EXPECT_FALSE(m_document.hasUnsavedChanges());
 }
 
+TEST_F(Replay, AVeryDeepTreeIsBuiltWalkedAndFreedWithoutRecursion) {
+    std::vector<DocumentDiff> chain;
+    Identifier parent("root");
+    for (int i = 0; i < 200000; ++i) {
+        Identifier note = Identifier::makeRandom();
+        chain.emplace_back(m_time, note, PlainDictionary{{"text", ""}, {"parent", parent}});
+        parent = note;
+    }
+    {
+        InMemoryPreferences preferences;
+        Document deep(preferences);
+        deep.loadData(std::move(chain), {});
+        NodePtr deepest = deep.node(parent);
+        ASSERT_TRUE(deepest);
+        NodePtr first = deep.rootNode()->children().front();
+        EXPECT_TRUE(deep.isNode(*first, *deepest));
+    } // freeing a chain this long by recursion would overflow the stack
+    SUCCEED();
+}
+
 class Observers : public DocumentFixture {
 protected:
     void edit() { m_document.modify(*m_document.rootNode(), "x"); }
