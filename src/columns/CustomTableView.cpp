@@ -1,7 +1,9 @@
 #include "columns/CustomTableView.h"
 
 #include "columns/ColumnCommand.h"
+#include "columns/NodeListModel.h"
 
+#include <QDropEvent>
 #include <QKeyEvent>
 #include <QResizeEvent>
 
@@ -78,6 +80,42 @@ void CustomTableView::resizeEvent(QResizeEvent* event) {
         m_lastWidth = width;
         emit widthChanged(width);
     }
+}
+
+void CustomTableView::dragMoveEvent(QDragMoveEvent* event) {
+    MyScrollView::dragMoveEvent(event);
+    if (event->isAccepted())
+        chooseDropAction(event);
+}
+
+void CustomTableView::dropEvent(QDropEvent* event) {
+    chooseDropAction(event);
+    MyScrollView::dropEvent(event);
+}
+
+void CustomTableView::chooseDropAction(QDropEvent* event) const {
+    const auto* rows = qobject_cast<const NodeListModel*>(model());
+    if (!rows || !event->mimeData())
+        return;
+    const QModelIndex index = indexAt(event->position().toPoint());
+    int row = -1;
+    QModelIndex parent;
+    switch (dropIndicatorPosition()) {
+    case QAbstractItemView::OnItem:
+        parent = index;
+        break;
+    case QAbstractItemView::AboveItem:
+        row = index.row();
+        break;
+    case QAbstractItemView::BelowItem:
+        row = index.row() + 1;
+        break;
+    case QAbstractItemView::OnViewport:
+        break;
+    }
+    const Qt::DropAction action = rows->dropAction(*event->mimeData(), row, parent);
+    if (action != Qt::IgnoreAction && (event->possibleActions() & action))
+        event->setDropAction(action);
 }
 
 } // namespace quillery

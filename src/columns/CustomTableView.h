@@ -22,9 +22,15 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    // Drops show and perform the action the column's model chooses: a move for notes, a copy
+    // for pictures and addresses from elsewhere (so a file manager never deletes the source).
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void chooseDropAction(QDropEvent* event) const;
+
     int m_lastWidth = -1;
 };
 

@@ -150,13 +150,17 @@ NodeListModel::DropPlace NodeListModel::dropPlace(int row, const QModelIndex& pa
     return {row, DropPosition::Above};
 }
 
+Qt::DropAction NodeListModel::dropAction(const QMimeData& data, int row,
+                                         const QModelIndex& parent) const {
+    if (!m_dropHandler || !m_representedNode)
+        return Qt::IgnoreAction;
+    const DropPlace place = dropPlace(row, parent);
+    return m_dropHandler->validateDrop(m_representedNode, data, place.row, place.position);
+}
+
 bool NodeListModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int row, int,
                                     const QModelIndex& parent) const {
-    if (!m_dropHandler || !m_representedNode || !data)
-        return false;
-    const DropPlace place = dropPlace(row, parent);
-    return m_dropHandler->validateDrop(m_representedNode, *data, place.row, place.position) !=
-           Qt::IgnoreAction;
+    return data && dropAction(*data, row, parent) != Qt::IgnoreAction;
 }
 
 bool NodeListModel::dropMimeData(const QMimeData* data, Qt::DropAction, int row, int,

@@ -48,6 +48,8 @@ public:
 
     QStringList mimeTypes() const override;
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
+    // What dropping the data there would do: move, copy or nothing.
+    Qt::DropAction dropAction(const QMimeData& data, int row, const QModelIndex& parent) const;
     bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                          const QModelIndex& parent) const override;
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,

@@ -2,6 +2,7 @@
 
 #include "ColumnTestSupport.h"
 #include "columns/ColumnDropHandler.h"
+#include "columns/NodeListModel.h"
 #include "columns/StyledTextLayout.h"
 
 #include <QElapsedTimer>
@@ -127,6 +128,8 @@ TEST_F(ColumnModelDrops, ADroppedAddressOpensItsNoteInTheEditorNextTurn) {
     QMimeData address;
     address.setUrls({QUrl(QStringLiteral("https://example.org/page"))});
     QAbstractItemModel* model = column->tableView()->model();
+    // Copied, never moved: the source keeps what it offered.
+    EXPECT_EQ(qobject_cast<NodeListModel*>(model)->dropAction(address, -1, {}), Qt::CopyAction);
     ASSERT_TRUE(model->dropMimeData(&address, Qt::CopyAction, -1, -1, {}));
     EXPECT_EQ(delegate.editor, nullptr);
     QApplication::processEvents();
