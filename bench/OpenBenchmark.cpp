@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <limits>
 #include <simdjson.h>
+#include <time.h>
 
 namespace quillery::bench {
 namespace {
@@ -45,18 +46,42 @@ SharedPackage& sharedPackage() {
     return package;
 }
 
-double g_parseSeconds = std::numeric_limits<double>::max();
-double g_openSeconds = std::numeric_limits<double>::max();
+// The fastest of the runs, by the clock and in processor time of the whole process (workers
+// included): the machine may be busy with other work, which shows in the first only.
+struct Best {
+    double seconds = std::numeric_limits<double>::max();
+    double cpuSeconds = std::numeric_limits<double>::max();
+    bool measured() const { return seconds < std::numeric_limits<double>::max(); }
+};
 
-double secondsSince(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+double cpuNow() {
+    timespec now{};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
+
+class Stopwatch {
+public:
+    void stopInto(Best& best) const {
+        best.seconds = std::min(
+            best.seconds,
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count());
+        best.cpuSeconds = std::min(best.cpuSeconds, cpuNow() - m_cpuStart);
+    }
+
+private:
+    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    double m_cpuStart = cpuNow();
+};
+
+Best g_parse;
+Best g_open;
 
 void BM_SimdjsonParse(benchmark::State& state) {
     SharedPackage& shared = sharedPackage();
     simdjson::dom::parser parser;
     for (auto _ : state) {
-        auto start = std::chrono::steady_clock::now();
+        Stopwatch watch;
         for (const auto& journal : shared.journals) {
             auto document = parser.parse(journal);
             if (document.error()) {
@@ -65,7 +90,7 @@ void BM_SimdjsonParse(benchmark::State& state) {
             }
             benchmark::DoNotOptimize(document.value_unsafe());
         }
-        g_parseSeconds = std::min(g_parseSeconds, secondsSince(start));
+        watch.stopInto(g_parse);
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * shared.bytes));
 }
@@ -79,12 +104,12 @@ void BM_OpenPackage(benchmark::State& state) {
         state.PauseTiming();
         auto document = std::make_unique<Document>(preferences, &codec);
         state.ResumeTiming();
-        auto start = std::chrono::steady_clock::now();
+        Stopwatch watch;
         if (auto error = package::read(*document, shared.package, codec)) {
             state.SkipWithError(error->message.c_str());
             return;
         }
-        g_openSeconds = std::min(g_openSeconds, secondsSince(start));
+        watch.stopInto(g_open);
         state.PauseTiming();
         state.counters["notes"] = static_cast<double>(document->nodeCount());
         document.reset();
@@ -110,10 +135,13 @@ int main(int argc, char** argv) {
                 kRecords, static_cast<double>(sharedPackage().bytes) / 1e6);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
-    if (g_parseSeconds < std::numeric_limits<double>::max() &&
-        g_openSeconds < std::numeric_limits<double>::max())
+    if (g_parse.measured() && g_open.measured()) {
         std::printf("open %.0f ms / simdjson parse %.0f ms = %.2fx (target <= 2.5x)\n",
-                    g_openSeconds * 1e3, g_parseSeconds * 1e3, g_openSeconds / g_parseSeconds);
+                    g_open.seconds * 1e3, g_parse.seconds * 1e3, g_open.seconds / g_parse.seconds);
+        std::printf("processor time: open %.0f ms / simdjson parse %.0f ms = %.2fx\n",
+                    g_open.cpuSeconds * 1e3, g_parse.cpuSeconds * 1e3,
+                    g_open.cpuSeconds / g_parse.cpuSeconds);
+    }
     std::printf("peak memory: %.0f MiB\n", peakMemoryMiB());
     return 0;
 }
