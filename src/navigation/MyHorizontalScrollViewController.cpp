@@ -13,6 +13,7 @@ MyHorizontalScrollViewController::MyHorizontalScrollViewController(Document* doc
     : QScrollArea(parent)
     , m_splitViewController(new MySplitViewController(document)) {
     setObjectName(QStringLiteral("MyHorizontalScrollViewController"));
+    setAccessibleName(tr("Notebook"));
     setFrameShape(QFrame::NoFrame);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);

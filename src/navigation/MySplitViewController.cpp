@@ -30,6 +30,20 @@ public:
     bool hasHeightForWidth() const override { return false; }
 };
 
+// What a screen reader announces for a column: the note whose notes it lists.
+QString columnName(const NodePtr& node, int depth) {
+    if (depth == 0 || !node) {
+        return MySplitViewController::tr("Top notes");
+    }
+    const QString text = QString::fromStdString(node->text()).section(QLatin1Char('\n'), 0, 0);
+    if (text.trimmed().isEmpty()) {
+        return MySplitViewController::tr("Notes of a note without text");
+    }
+    constexpr int kLongest = 40;
+    const QString shown = text.size() > kLongest ? text.left(kLongest) + QStringLiteral("…") : text;
+    return MySplitViewController::tr("Notes of “%1”").arg(shown);
+}
+
 } // namespace
 
 MySplitViewController::MySplitViewController(Document* document, QWidget* parent)
@@ -184,6 +198,7 @@ void MySplitViewController::changeEvent(QEvent* event) {
 QWidget* MySplitViewController::makeColumn(const NodePtr& node, int depth) {
     auto* column = new ListViewController(m_document, this);
     column->setObjectName(QStringLiteral("column%1").arg(depth));
+    column->setAccessibleName(columnName(node, depth));
     column->setRepresentedNode(node);
     column->setNodeDepth(depth);
     column->setDelegate(this);
