@@ -350,9 +350,7 @@ void ListViewController::makeFirstResponder() {
 
 void ListViewController::reloadVisibleRows(bool andHeights) {
     if (andHeights) {
-        const int width = d->rows->columnWidth();
-        d->rows->setColumnWidth(-1);
-        d->rows->setColumnWidth(width);
+        d->rows->invalidateAll();
         emit d->rows->sizeHintChanged(QModelIndex());
     }
     d->tableView->viewport()->update();

@@ -68,6 +68,10 @@ void NodeRowDelegate::setColumnWidth(int width) {
     m_heights->byNode.clear();
 }
 
+void NodeRowDelegate::invalidateAll() {
+    m_heights->byNode.clear();
+}
+
 void NodeRowDelegate::invalidate(const Identifier& node) {
     m_heights->byNode.erase(node);
 }
