@@ -6,11 +6,11 @@ NotebookNode::NotebookNode(Identifier identifier, Identifier parentIdentifier, s
                            std::optional<Identifier> imageIdentifier, std::vector<NodePtr> children,
                            std::optional<std::string> url)
     : m_identifier(std::move(identifier))
-    , m_imageIdentifier(std::move(imageIdentifier))
     , m_parentIdentifier(std::move(parentIdentifier))
+    , m_children(std::move(children))
     , m_text(std::move(text))
-    , m_url(std::move(url))
-    , m_children(std::move(children)) {
+    , m_imageIdentifier(std::move(imageIdentifier))
+    , m_url(std::move(url)) {
 }
 
 NodePtr NotebookNode::create(Identifier parentIdentifier, std::string text,

@@ -47,12 +47,13 @@ public:
     bool isEmpty() const;
 
 private:
+    // What applying a record reads comes first, so that it shares the object's first cache lines.
     Identifier m_identifier;
-    std::optional<Identifier> m_imageIdentifier;
     Identifier m_parentIdentifier;
-    std::string m_text;
-    std::optional<std::string> m_url;
     std::vector<NodePtr> m_children;
+    std::string m_text;
+    std::optional<Identifier> m_imageIdentifier;
+    std::optional<std::string> m_url;
 };
 
 // The node's dictionary form: "identifier", "text", "parent", and "image" and "url" when present.
