@@ -3,7 +3,9 @@
 #include "columns/EditNodeViewControllerDelegate.h"
 #include "markdown/Styles.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QBoxLayout>
 #include <QPlainTextEdit>
 #include <QTest>
 
@@ -75,6 +77,27 @@ TEST_F(NoteEditor, UndoStepsThroughTypingOnly) {
     EXPECT_EQ(editor.textView()->toPlainText().toStdString(), note->text());
     // Loading the note is not a step of its own.
     EXPECT_FALSE(editor.textView()->document()->isUndoAvailable());
+}
+
+TEST(NoteEditorInAWindow, ControlZUndoesTypingNotTheWindowsUndo) {
+    QWidget window;
+    auto* layout = new QVBoxLayout(&window);
+    auto* editor = new EditNodeViewController(&window);
+    layout->addWidget(editor);
+    editor->setRepresentedNode(NotebookNode::create(Identifier("root"), "text"));
+    int documentUndos = 0;
+    auto* undo = new QAction(&window);
+    undo->setShortcut(QKeySequence::Undo);
+    window.addAction(undo);
+    QObject::connect(undo, &QAction::triggered, [&] { ++documentUndos; });
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    editor->textView()->setFocus();
+    QTest::keyClicks(editor->textView(), QStringLiteral("!"));
+    QTest::keySequence(editor->textView(), QKeySequence::Undo);
+    EXPECT_EQ(editor->textView()->toPlainText(), QStringLiteral("text"));
+    EXPECT_EQ(documentUndos, 0);
 }
 
 TEST_F(NoteEditor, EmptyTextIsReportedAsEmpty) {
