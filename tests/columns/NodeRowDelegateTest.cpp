@@ -93,6 +93,13 @@ TEST_F(RowHeights, ALongColumnMeasuresOnlyTheRowsItShows) {
     EXPECT_LT(rows().measuredRowCount(), 200u);
     // The rows on screen have their exact heights.
     EXPECT_EQ(shownHeight(0), rows().rowHeight(*children[0]));
+
+    // Jumping to the end measures the rows shown there, not those scrolled past.
+    column->tableView()->scrollToBottom();
+    for (int turn = 0; turn < 10; ++turn)
+        QApplication::processEvents(QEventLoop::AllEvents, 5);
+    EXPECT_LT(rows().measuredRowCount(), 400u);
+    EXPECT_EQ(shownHeight(4999), rows().rowHeight(*children[4999]));
 }
 
 TEST_F(RowHeights, AnEstimateIsCloseForPlainText) {
