@@ -10,13 +10,18 @@ namespace {
 
 constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD";
 
-// 1 for the bytes a JSON text cannot hold as they are: control characters, '"' and '\\'.
-constexpr std::array<std::uint8_t, 256> kNeedsEscape = [] {
+// kEscape for the bytes a JSON text cannot hold as they are (control characters, '"' and '\\'),
+// kNonAscii for the bytes of UTF-8 sequences, 0 for the rest.
+constexpr std::uint8_t kEscape = 1;
+constexpr std::uint8_t kNonAscii = 2;
+constexpr std::array<std::uint8_t, 256> kByteClass = [] {
     std::array<std::uint8_t, 256> table{};
     for (int c = 0; c < 0x20; ++c)
-        table[static_cast<std::size_t>(c)] = 1;
-    table['"'] = 1;
-    table['\\'] = 1;
+        table[static_cast<std::size_t>(c)] = kEscape;
+    table['"'] = kEscape;
+    table['\\'] = kEscape;
+    for (int c = 0x80; c < 0x100; ++c)
+        table[static_cast<std::size_t>(c)] = kNonAscii;
     return table;
 }();
 
@@ -163,24 +168,20 @@ void JsonWriter::dictionary(const PlainDictionary& dictionary) {
 void JsonWriter::appendEscaped(std::string_view text) {
     static constexpr char kHex[] = "0123456789abcdef";
     // Most texts are plain ASCII with nothing to escape: copy those in one go.
-    bool ascii = true;
-    bool plain = true;
-    for (char byte : text) {
-        auto c = static_cast<unsigned char>(byte);
-        ascii = ascii && c < 0x80;
-        plain = plain && kNeedsEscape[c] == 0;
-    }
+    std::uint8_t classes = 0;
+    for (char byte : text)
+        classes |= kByteClass[static_cast<unsigned char>(byte)];
     m_out += '"';
-    if (ascii && plain) {
+    if (classes == 0) {
         m_out += text;
         m_out += '"';
         return;
     }
-    bool valid = ascii || simdjson::validate_utf8(text.data(), text.size());
+    bool valid = (classes & kNonAscii) == 0 || simdjson::validate_utf8(text.data(), text.size());
     std::size_t runStart = 0;
     for (std::size_t i = 0; i < text.size();) {
         auto c = static_cast<unsigned char>(text[i]);
-        if (kNeedsEscape[c] == 0 && (valid || c < 0x80)) {
+        if (kByteClass[c] == 0 || (kByteClass[c] == kNonAscii && valid)) {
             ++i;
             continue;
         }
