@@ -12,7 +12,8 @@ class ListViewController;
 class ListViewControllerDelegate {
 public:
     virtual ~ListViewControllerDelegate() = default;
-    virtual void listViewControllerDidSelectNode(ListViewController& column, const NodePtr& node) = 0;
+    virtual void listViewControllerDidSelectNode(ListViewController& column,
+                                                 const NodePtr& node) = 0;
     // Opens the picture panel for a picture note.
     virtual void listViewControllerDidDoubleClickNode(ListViewController& column,
                                                       const NodePtr& node) = 0;
