@@ -21,6 +21,8 @@ void writeLine(std::string_view line) {
     }
     std::fwrite(line.data(), 1, line.size(), stdout);
     std::fputc('\n', stdout);
+    // Pipes and files are block-buffered; a line held back there is lost if the process dies.
+    std::fflush(stdout);
 }
 
 Sink setSink(Sink sink) {
