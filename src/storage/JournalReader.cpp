@@ -2,6 +2,8 @@
 
 #include "document/Diagnostics.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <simdjson.h>
 #include <string>
@@ -17,6 +19,17 @@ std::string_view trimTrailingSpace(std::string_view text) {
                              text.back() == '\t'))
         text.remove_suffix(1);
     return text;
+}
+
+// Whether a stamp's year can be held by the system clock (nanoseconds either side of 1970, so
+// 1678 to 2261). A stamp beyond is no valid stamp: its record is rejected like any malformed one.
+bool isWithinClockRange(std::string_view stamp) {
+    int year = 0;
+    auto [end, error] =
+        std::from_chars(stamp.data(), stamp.data() + std::min<std::size_t>(4, stamp.size()), year);
+    if (error != std::errc() || end != stamp.data() + 4)
+        return true; // not a year: the stamp parser rejects it
+    return year >= 1678 && year <= 2261;
 }
 
 // How one record read.
@@ -58,7 +71,7 @@ std::optional<TimePoint> JournalReader::Parser::stamp(std::string_view text) {
     // Records come in bursts made within one second; their stamps repeat.
     if (text != m_lastStampText) {
         m_lastStampText.assign(text);
-        m_lastStamp = DateFromString(text);
+        m_lastStamp = isWithinClockRange(text) ? DateFromString(text) : std::nullopt;
     }
     return m_lastStamp;
 }
@@ -94,6 +107,11 @@ JournalReader::Parser::ValueKind JournalReader::Parser::text(ondemand::value& va
     // Most texts hold no escape: take them straight from the input, which the first pass of the
     // parser has checked for valid UTF-8 and unescaped control characters already.
     if (token.size() >= 2 && token.back() == '"' && token.find('\\') == std::string_view::npos) {
+        // Consumed all the same: the parser checks what follows a value only when the value
+        // was taken, and skims over one left behind.
+        ondemand::raw_json_string consumed;
+        if (value.get_raw_json_string().get(consumed))
+            return ValueKind::bad;
         text = token.substr(1, token.size() - 2);
         return ValueKind::text;
     }

@@ -70,6 +70,9 @@ INSTANTIATE_TEST_SUITE_P(
                     "not valid JSON", false},
         ReadFailure{"InvalidUtf8", journalWith("[" + record(", \"text\": \"\xC3\x28\"") + "]"),
                     kJson, 3840, "not valid JSON", false},
+        // A text taken straight from the input is still followed by a check of what comes next.
+        ReadFailure{"ColonAfterText", journalWith("[" + record(R"(, "a": "b" : "c")") + "]"), kJson,
+                    3840, "not valid JSON", false},
         ReadFailure{"TopLevelArray", "[]", kOSStatus, -4, "top level", false},
         ReadFailure{"TopLevelText", "\"diffs\"", kOSStatus, -4, "top level", false},
         ReadFailure{"NoDiffs", R"({"schema": "1.0"})", kOSStatus, -4, "no \"diffs\"", false},
@@ -85,6 +88,10 @@ INSTANTIATE_TEST_SUITE_P(
                     kOSStatus, -4, "record 1", true},
         ReadFailure{"StampWithoutT",
                     journalWith(R"([{"timestamp": "2017-03-04 09:15:02GMT", "identifier": "N"}])"),
+                    kOSStatus, -4, "record 1", true},
+        // The system clock holds the years 1678 to 2261 only.
+        ReadFailure{"StampBeyondTheClock",
+                    journalWith(R"([{"timestamp": "4034-03-04T09:15:02GMT", "identifier": "N"}])"),
                     kOSStatus, -4, "record 1", true},
         ReadFailure{"BadRecordAmongGood",
                     journalWith("[" + record() + R"(, {"identifier": "N2"}, )" + record() + "]"),
