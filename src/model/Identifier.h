@@ -4,6 +4,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -45,7 +46,7 @@ public:
     friend bool operator==(const Identifier& a, const Identifier& b) {
         // UUIDs and short texts are equal exactly when their bytes are; only two shared blocks
         // need their texts compared.
-        if (a.m_bytes == b.m_bytes)
+        if (a.sameBytes(b))
             return true;
         return a.isShared() && b.isShared() && a.textView() == b.textView();
     }
@@ -65,6 +66,14 @@ private:
     struct SharedText;
 
     bool isShared() const { return m_bytes[kTagByte] == kSharedTag; }
+    // Two word compares; std::array's operator== calls memcmp.
+    bool sameBytes(const Identifier& other) const {
+        std::uint64_t a[2];
+        std::uint64_t b[2];
+        std::memcpy(a, m_bytes.data(), sizeof a);
+        std::memcpy(b, other.m_bytes.data(), sizeof b);
+        return a[0] == b[0] && a[1] == b[1];
+    }
     SharedText* shared() const;
     void retain() const;
     void release();
