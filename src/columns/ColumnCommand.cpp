@@ -21,6 +21,8 @@ ColumnCommand columnCommandForKey(const QKeyEvent& event) {
             return ColumnCommand::MoveUp;
         case Qt::Key_Down:
             return ColumnCommand::MoveDown;
+        case Qt::Key_Space:
+            return ColumnCommand::QuickLook;
         default:
             break;
         }

@@ -41,6 +41,7 @@ public:
     void selectionDidChange();
     void documentDidUpdate(const DocumentUpdate& update);
     bool perform(ColumnCommand command);
+    void quickLookSelectedNode();
     void moveUp();
     void moveDown();
     void deleteSelectedNode();
@@ -135,10 +136,20 @@ bool ListViewController::Private::perform(ColumnCommand command) {
     case ColumnCommand::MoveDown:
         moveDown();
         break;
+    case ColumnCommand::QuickLook:
+        quickLookSelectedNode();
+        break;
     case ColumnCommand::InsertText:
         break;
     }
     return true;
+}
+
+// Text notes have nothing to show; Space on them is swallowed like other typing.
+void ListViewController::Private::quickLookSelectedNode() {
+    const NodePtr node = q->selectedNode();
+    if (node && node->imageIdentifier() && delegate)
+        delegate->listViewControllerDidDoubleClickNode(*q, node);
 }
 
 void ListViewController::Private::moveUp() {

@@ -145,6 +145,10 @@ void MySplitViewController::listViewControllerDidDoubleClickNode(ListViewControl
     imagePanel->setImage(QtPicture::imageOf(picture));
     imagePanel->setDelegate(this);
     present(imagePanel, column.nodeDepth() + 1);
+    // Escape and the zoom keys should work without a click on the picture first.
+    if (panel() == imagePanel) {
+        imagePanel->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 void MySplitViewController::listViewControllerDidClearSelectedNode(ListViewController& column) {

@@ -47,7 +47,9 @@ public:
     void listViewControllerDidSelectNode(ListViewController&, const NodePtr& node) override {
         selected.push_back(node);
     }
-    void listViewControllerDidDoubleClickNode(ListViewController&, const NodePtr&) override {}
+    void listViewControllerDidDoubleClickNode(ListViewController&, const NodePtr& node) override {
+        quickLooked.push_back(node);
+    }
     void listViewControllerDidClearSelectedNode(ListViewController&) override { ++cleared; }
     void listViewControllerDidTapMoveLeft(ListViewController&) override { ++movedLeft; }
     void listViewControllerDidTapMoveRight(ListViewController&) override { ++movedRight; }
@@ -62,6 +64,7 @@ public:
     }
 
     std::vector<NodePtr> selected;
+    std::vector<NodePtr> quickLooked;
     int cleared = 0;
     int movedLeft = 0;
     int movedRight = 0;

@@ -163,6 +163,20 @@ TEST_F(ColumnKeyboardPictures, ReturnOnAPictureWithoutAFileReportsItMissing) {
     EXPECT_EQ(delegate.editor, nullptr);
 }
 
+TEST_F(ColumnKeyboardPictures, SpaceShowsASelectedPictureAndIgnoresTextNotes) {
+    const NodePtr parent = add(document.rootNode(), "parent");
+    add(parent, "text");
+    const NodePtr picture = addPicture(parent, {4, 2});
+    open(parent);
+    press(Qt::Key_Space);
+    EXPECT_TRUE(delegate.quickLooked.empty());
+    EXPECT_EQ(delegate.editor, nullptr);
+
+    column->selectRow(1);
+    press(Qt::Key_Space);
+    EXPECT_EQ(delegate.quickLooked, std::vector<NodePtr>{picture});
+}
+
 class EmptyColumnKeyboard : public ColumnFixture {};
 
 TEST_F(EmptyColumnKeyboard, FocusGoesToTheButtonAndUpDoesNothing) {

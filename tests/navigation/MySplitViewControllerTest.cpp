@@ -200,6 +200,8 @@ TEST_F(MySplitViewControllerTest, ASecondPanelIsRefusedAndDeleted) {
 }
 
 TEST_F(MySplitViewControllerTest, DoubleClickingAPictureNoteOpensThePicturePanel) {
+    host.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&host));
     QImage image(40, 30, QImage::Format_RGB32);
     image.fill(Qt::darkCyan);
     const Identifier key = document.addImage(std::make_shared<QtPicture>(image), {1, 2, 3}, "png");
@@ -215,6 +217,8 @@ TEST_F(MySplitViewControllerTest, DoubleClickingAPictureNoteOpensThePicturePanel
     auto* panel = qobject_cast<ImageDetailViewController*>(split.panel());
     ASSERT_NE(panel, nullptr);
     EXPECT_EQ(panel->image().size(), image.size());
+    // Focused at once, so Escape closes it without a click first.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return panel->isAncestorOf(QApplication::focusWidget()); }));
 
     panel->didTapDone();
     EXPECT_EQ(split.panel(), nullptr);
