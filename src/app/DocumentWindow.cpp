@@ -165,8 +165,15 @@ void DocumentWindow::connectActions() {
             m_undoManager->redo();
         }
     });
-    connect(m_actions.addNote, &QAction::triggered, this,
-            [this] { sendToActiveColumn(&ListViewController::didTapAddNode); });
+    connect(m_actions.addNote, &QAction::triggered, this, [this] {
+        // With no column to take it, the app-level command's fallback applies: a new
+        // notebook.
+        if (!sendToActiveColumn(&ListViewController::didTapAddNode)) {
+            if (AppDelegate* app = m_controller.appDelegate()) {
+                app->didTapAddNode();
+            }
+        }
+    });
     connect(m_actions.addNoteBeneath, &QAction::triggered, this,
             [this] { sendToActiveColumn(&ListViewController::didTapAddNodeBeneath); });
     connect(m_actions.editNote, &QAction::triggered, this,
@@ -302,10 +309,13 @@ void DocumentWindow::fillRecentMenu() {
             [this] { m_controller.recentDocuments().clear(); });
 }
 
-void DocumentWindow::sendToActiveColumn(void (ListViewController::*command)()) {
-    if (ListViewController* column = splitViewController()->activeColumn()) {
-        (column->*command)();
+bool DocumentWindow::sendToActiveColumn(void (ListViewController::*command)()) {
+    ListViewController* column = splitViewController()->activeColumn();
+    if (!column) {
+        return false;
     }
+    (column->*command)();
+    return true;
 }
 
 } // namespace quillery

@@ -66,7 +66,7 @@ private:
     bool saveInPlace();
     bool mayClose();
     void fillRecentMenu();
-    void sendToActiveColumn(void (ListViewController::*command)());
+    bool sendToActiveColumn(void (ListViewController::*command)());
 
     DocumentController& m_controller;
     std::unique_ptr<UndoManager> m_undoManager;

@@ -1,3 +1,4 @@
+#include "app/AppDelegate.h"
 #include "app/AppFixture.h"
 
 #include <QAction>
@@ -74,6 +75,23 @@ TEST_F(DocumentWindowTest, TheNoteMenuActsOnTheFocusedColumn) {
 
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.splitViewController()->panel() != nullptr; }));
     EXPECT_NE(first->temporaryNode(), nullptr);
+}
+
+TEST_F(DocumentWindowTest, AddNoteWithNoColumnMakesANewNotebookLikeTheAppCommand) {
+    AppDelegate app;
+    int newDocuments = 0;
+    app.setNewDocumentHandler([&] { ++newDocuments; });
+    controller.setAppDelegate(&app);
+    // Never shown, so no column has been loaded to take the note.
+    DocumentWindow window(controller, std::make_unique<Document>(preferences, &codec),
+                          QStringLiteral("Untitled"));
+    ASSERT_EQ(window.splitViewController()->activeColumn(), nullptr);
+
+    action(window, "actionAddNote").trigger();
+
+    EXPECT_EQ(newDocuments, 1);
+    EXPECT_TRUE(window.document().rootNode()->children().empty());
+    controller.setAppDelegate(nullptr);
 }
 
 TEST_F(DocumentWindowTest, EveryCommandHasAShortcutOfItsOwn) {
