@@ -329,7 +329,8 @@ INSTANTIATE_TEST_SUITE_P(Extensions, PictureFileDrop,
                                            // Neither in the name: what the picture can be
                                            // written as, JPEG first; the bytes stay TIFF.
                                            PictureFileCase{"scan.tiff", "tiff", "jpg"},
-                                           PictureFileCase{"picture", "png", "jpg"}));
+                                           PictureFileCase{"picture", "png", "jpg"}),
+                         [](const auto& param) { return "Case" + std::to_string(param.index); });
 
 TEST_F(FileDropFixture, FileThatIsNotAPictureBecomesATextNoteWithItsAddress) {
     const QUrl url = write(QStringLiteral("notes.txt"), "just words");
