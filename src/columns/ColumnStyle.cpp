@@ -37,9 +37,9 @@ double qtPointSize(double designPoints) {
     return designPoints * 72.0 / 96.0;
 }
 
-QFont font(const FontSpec& spec) {
-    QFont result(QString::fromStdString(spec.family));
-    result.setPointSizeF(qtPointSize(spec.pointSize));
+QFont font(const FontSpec& fontSpec) {
+    QFont result(QString::fromStdString(fontSpec.family));
+    result.setPointSizeF(qtPointSize(fontSpec.pointSize));
     return result;
 }
 

@@ -27,6 +27,6 @@ double qtPointSize(double designPoints);
 
 // The font of a family and design size; a missing family falls back through fontconfig to a
 // close face at the same size.
-QFont font(const FontSpec& spec);
+QFont font(const FontSpec& fontSpec);
 
 } // namespace quillery::columnstyle
