@@ -1,19 +1,20 @@
 #include <QApplication>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-// The widget tests' entry point: one QApplication for the whole run, on the "offscreen" platform,
-// with test paths and a configuration directory of the run's own so the user's settings are never
-// touched. Test discovery starts the program outside CTest's environment, so the platform is set
-// here too.
+// The widget tests' entry point: one QApplication for the whole run, on the "offscreen" platform.
+// Each run gets configuration, data and cache directories of its own, so the user's settings are
+// never touched and test programs that CTest runs side by side never see each other's settings or
+// recent files. Test discovery starts the program outside CTest's environment, so the platform is
+// set here too.
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    QStandardPaths::setTestModeEnabled(true);
-    QTemporaryDir config;
-    qputenv("XDG_CONFIG_HOME", config.path().toUtf8());
+    const QTemporaryDir home;
+    for (const char* variable :
+         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"})
+        qputenv(variable, (home.path() + QLatin1Char('/') + QLatin1String(variable)).toUtf8());
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("QuilleryTests"));
     QApplication::setApplicationName(QStringLiteral("QuilleryTests"));
