@@ -41,7 +41,20 @@ public:
     // The text itself, when the identifier is not a UUID (an empty view for a UUID).
     std::string_view textView() const;
 
-    std::size_t hash() const;
+    std::size_t hash() const {
+        if (!isUuid())
+            return textHash();
+        // Random UUIDs are uniformly distributed already; fold the bytes together.
+        std::uint64_t a;
+        std::uint64_t b;
+        std::memcpy(&a, m_bytes.data(), 8);
+        std::memcpy(&b, m_bytes.data() + 8, 8);
+        return static_cast<std::size_t>((a ^ b) * 0x9E3779B97F4A7C15ull);
+    }
+
+    // Where a long text lies in memory (null for other identifiers), for a reader that asks the
+    // processor to fetch it ahead.
+    const void* storageAddress() const { return isShared() ? shared() : nullptr; }
 
     friend bool operator==(const Identifier& a, const Identifier& b) {
         // UUIDs and short texts are equal exactly when their bytes are; only two shared blocks
@@ -66,6 +79,7 @@ private:
     struct SharedText;
 
     bool isShared() const { return m_bytes[kTagByte] == kSharedTag; }
+    std::size_t textHash() const;
     // Two word compares; std::array's operator== calls memcmp.
     bool sameBytes(const Identifier& other) const {
         std::uint64_t a[2];

@@ -27,6 +27,31 @@ TEST(Identifier, OtherTextsStayTextsAndDifferFromTheirUpperCaseUuid) {
     EXPECT_TRUE(Identifier("") == Identifier());
 }
 
+// Every near miss of the compact form must stay the text it was: a digit just outside the
+// upper-case hexadecimal ranges anywhere, a hyphen out of place, another variant, another length.
+TEST(Identifier, TextsThatAlmostLookLikeUuidsStayTexts) {
+    const std::string canonical = "0F1E2D3C-4B5A-4978-8695-A4B3C2D1E0FF";
+    std::vector<std::string> nearMisses = {
+        canonical.substr(1), canonical + "0", "0F1E2D3C4-B5A-4978-8695-A4B3C2D1E0FF",
+        "0F1E2D3C-4B5A-4978-7695-A4B3C2D1E0FF", "0F1E2D3C-4B5A-4978-C695-A4B3C2D1E0FF"};
+    for (std::size_t i = 0; i < canonical.size(); ++i) {
+        if (canonical[i] == '-')
+            continue;
+        for (char flaw : {'/', ':', '@', 'G', '`', 'a', 'f', '\0', '\xC3'}) {
+            std::string text = canonical;
+            text[i] = flaw;
+            nearMisses.push_back(text);
+        }
+    }
+    for (const std::string& text : nearMisses) {
+        Identifier identifier(text);
+        EXPECT_FALSE(identifier.isUuid()) << text;
+        EXPECT_EQ(identifier.toString(), text);
+    }
+    EXPECT_TRUE(Identifier("00000000-0000-0000-8000-000000000000").isUuid());
+    EXPECT_TRUE(Identifier("FFFFFFFF-FFFF-FFFF-BFFF-FFFFFFFFFFFF").isUuid());
+}
+
 TEST(Identifier, OrdersAndHashesLikeItsText) {
     std::vector<std::string> texts = {"root",
                                       "A0000000-0000-4000-8000-000000000000",
