@@ -37,7 +37,11 @@ Document::Document(Preferences& preferences, const PictureCodec* pictureCodec, C
 Document::~Document() {
     // Every indexed node lets go of its children here, so that a deep tree is freed node by node
     // rather than by a recursion as deep as the tree.
-    m_nodeLookup.forEach([](const NodePtr& node) { node->children().clear(); });
+    m_nodeLookup.forEach([](const NodePtr& node) {
+        for (const NodePtr& child : node->children())
+            child->setParentNode(nullptr);
+        node->children().clear();
+    });
 }
 
 TimePoint Document::now() const {
@@ -68,7 +72,7 @@ bool Document::isNode(const NotebookNode& a, const NotebookNode& ancestorOf) con
         const Identifier& parent = current->parentIdentifier();
         if (isRootIdentifier(parent) || parent == a.identifier())
             return parent == a.identifier();
-        current = m_nodeLookup.find(parent);
+        current = parentOf(*current);
         if (!current)
             return false;
     }
@@ -82,7 +86,7 @@ bool Document::liesWithin(const NotebookNode& candidate, const Identifier& ances
             return true;
         if (isRootIdentifier(current->identifier()))
             return false;
-        current = m_nodeLookup.find(current->parentIdentifier());
+        current = parentOf(*current);
         if (!current)
             return false;
     }

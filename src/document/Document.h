@@ -125,12 +125,16 @@ private:
     struct ChangeOutcome;
 
     void announce(const DocumentUpdate& update);
-    // Asks the processor for the memory that the records a little ahead of `at` will touch.
-    void prefetchForReplay(const std::vector<DocumentDiff>& diffs, std::size_t at) const;
     // Journals the record with its reverse when journaling is on, then applies it with
     // notification.
     void record(DocumentDiff diff);
     void registerUserStep(const char* actionName);
+    // The node under the node's parent identifier, or null.
+    NotebookNode* parentOf(const NotebookNode& node) const {
+        if (NotebookNode* parent = node.parentNode())
+            return parent;
+        return m_nodeLookup.find(node.parentIdentifier());
+    }
     // Whether the candidate is the ancestor itself or lies in its subtree.
     bool liesWithin(const NotebookNode& candidate, const Identifier& ancestor) const;
     std::optional<DocumentUpdate> applyCreation(const DocumentDiff& diff);

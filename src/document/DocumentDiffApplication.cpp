@@ -40,14 +40,20 @@ std::size_t placementIndex(const NotebookNode& parent, const PlainDictionary& pa
     return parent.children().size();
 }
 
+// A node's parent pointer is set exactly while it stands in that parent's children (and the
+// parent is indexed), which makes it the same node as the index finds under the identifier.
 void insertChild(NotebookNode& parent, std::size_t index, NodePtr child) {
+    child->setParentNode(&parent);
     auto& children = parent.children();
     children.insert(children.begin() + static_cast<std::ptrdiff_t>(index), std::move(child));
 }
 
-void eraseChild(NotebookNode& parent, std::size_t index) {
+NodePtr takeChild(NotebookNode& parent, std::size_t index) {
     auto& children = parent.children();
+    NodePtr child = std::move(children[index]);
     children.erase(children.begin() + static_cast<std::ptrdiff_t>(index));
+    child->setParentNode(nullptr);
+    return child;
 }
 
 } // namespace
@@ -105,12 +111,15 @@ std::optional<DocumentUpdate> Document::applyDestroy(const NodePtr& target) {
     // The two roots stay for the life of the document, whatever a journal says.
     if (isRoot(*target))
         return std::nullopt;
-    NotebookNode* parent = m_nodeLookup.find(target->parentIdentifier());
+    NotebookNode* parent = parentOf(*target);
     std::optional<std::size_t> index =
         parent ? indexOfChild(*parent, target->identifier(), target.get()) : std::nullopt;
     if (index)
-        eraseChild(*parent, *index);
+        takeChild(*parent, *index);
     m_nodeLookup.erase(target->identifier());
+    // Its children stay with it but no longer stand under an indexed node.
+    for (const NodePtr& child : target->children())
+        child->setParentNode(nullptr);
     if (target->imageIdentifier())
         m_images.holdAside(*target->imageIdentifier());
     // A node that stood in no child list was shown nowhere, so there is nothing to announce.
@@ -168,14 +177,13 @@ void Document::reorder(NotebookNode& target, const std::string& key, const Plain
     const Identifier* siblingValue = value.textIdentifier();
     if (!siblingValue)
         return;
-    NotebookNode* parent = m_nodeLookup.find(target.parentIdentifier());
+    NotebookNode* parent = parentOf(target);
     if (!parent)
         return;
     std::optional<std::size_t> index = indexOfChild(*parent, target.identifier(), &target);
     if (!index)
         return;
-    NodePtr moving = std::move(parent->children()[*index]);
-    eraseChild(*parent, *index);
+    NodePtr moving = takeChild(*parent, *index);
     outcome.oldIndex = index;
     const Identifier& sibling = *siblingValue;
     std::size_t insertAt = parent->children().size();
@@ -216,10 +224,10 @@ void Document::reparent(const NodePtr& target, const PlainValue& value,
         diagnostics::writeLine("Refusing to move a note into itself.");
         return;
     }
-    if (NotebookNode* source = m_nodeLookup.find(target->parentIdentifier())) {
+    if (NotebookNode* source = parentOf(*target)) {
         outcome.oldParent = source->identifier();
         if (auto index = indexOfChild(*source, target->identifier(), target.get())) {
-            eraseChild(*source, *index);
+            takeChild(*source, *index);
             outcome.oldIndex = index;
         }
     }

@@ -7,26 +7,15 @@ namespace quillery {
 namespace {
 
 constexpr std::size_t kInitialSlots = 16;
-// Linear probing stays short up to about this load.
-constexpr std::size_t kLoadNumerator = 4;
-constexpr std::size_t kLoadDenominator = 5;
+// Linear probing stays short up to about this load; a new key probes about 1 / (1 - load)^2 slots.
+constexpr std::size_t kLoadNumerator = 7;
+constexpr std::size_t kLoadDenominator = 10;
 
 } // namespace
 
 NodeIndex::NodeIndex()
     : m_slots(kInitialSlots)
     , m_shift(static_cast<unsigned>(64 - std::countr_zero(kInitialSlots))) {
-}
-
-std::size_t NodeIndex::position(const Identifier& identifier) const {
-    std::size_t slot = home(identifier);
-    while (m_slots[slot].node && !(m_slots[slot].key == identifier))
-        slot = next(slot);
-    return slot;
-}
-
-NotebookNode* NodeIndex::find(const Identifier& identifier) const {
-    return m_slots[position(identifier)].node.get();
 }
 
 const NodePtr* NodeIndex::findShared(const Identifier& identifier) const {
@@ -65,14 +54,22 @@ bool NodeIndex::erase(const Identifier& identifier) {
     return true;
 }
 
-void NodeIndex::prefetch(const Identifier& identifier) const {
-    __builtin_prefetch(&m_slots[home(identifier)]);
+void NodeIndex::reserve(std::size_t count) {
+    std::size_t slots = m_slots.size();
+    while (count * kLoadDenominator > slots * kLoadNumerator)
+        slots *= 2;
+    if (slots > m_slots.size())
+        rehash(slots);
 }
 
 void NodeIndex::grow() {
-    std::vector<Slot> old(m_slots.size() * 2);
+    rehash(m_slots.size() * 2);
+}
+
+void NodeIndex::rehash(std::size_t slotCount) {
+    std::vector<Slot, HugePageAllocator<Slot>> old(slotCount);
     old.swap(m_slots);
-    --m_shift;
+    m_shift = static_cast<unsigned>(64 - std::countr_zero(slotCount));
     for (Slot& slot : old) {
         if (!slot.node)
             continue;

@@ -43,6 +43,11 @@ public:
     const std::vector<NodePtr>& children() const { return m_children; }
     std::vector<NodePtr>& children() { return m_children; }
 
+    // The node whose children hold this one, set by the document engine while it keeps this node
+    // there (null otherwise), so that walking up a large tree needs no index lookups.
+    NotebookNode* parentNode() const { return m_parentNode; }
+    void setParentNode(NotebookNode* parent) { m_parentNode = parent; }
+
     // True for a text note whose text is exactly empty; children and address don't count.
     bool isEmpty() const;
 
@@ -50,6 +55,7 @@ private:
     // What applying a record reads comes first, so that it shares the object's first cache lines.
     Identifier m_identifier;
     Identifier m_parentIdentifier;
+    NotebookNode* m_parentNode = nullptr;
     std::vector<NodePtr> m_children;
     std::string m_text;
     std::optional<Identifier> m_imageIdentifier;

@@ -313,5 +313,19 @@ TEST_F(Ancestry, ParentCycleFromAForeignJournalEndsTheWalk) {
     EXPECT_EQ(m_lines.back(), "Refusing to move a note into itself.");
 }
 
+TEST_F(Ancestry, ANoteWhoseParentWasDestroyedAndCreatedAgainWalksUpTheNewParent) {
+    // child stays under the identifier a; once a is created again under Q, child lies within Q.
+    NodePtr child = addNote(a, "child");
+    const Identifier aIdentifier = a->identifier();
+    apply(aIdentifier, {{"destroy", true}});
+    a.reset();
+    apply(aIdentifier, {{"text", "a again"}, {"parent", q->identifier()}});
+    EXPECT_TRUE(m_document.isNode(*q, *child));
+    EXPECT_FALSE(m_document.isNode(*p, *child));
+    apply(q->identifier(), {{"parent", child->identifier()}});
+    EXPECT_EQ(m_lines.back(), "Refusing to move a note into itself.");
+    EXPECT_EQ(q->parentIdentifier(), Identifier("root"));
+}
+
 } // namespace
 } // namespace quillery

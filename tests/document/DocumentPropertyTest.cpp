@@ -33,8 +33,10 @@ protected:
         for (const NodePtr& node : reachable()) {
             ASSERT_TRUE(seen.insert(node.get()).second) << "node met twice";
             ASSERT_EQ(m_document.node(node->identifier()), node) << "node not indexed";
-            for (const NodePtr& child : node->children())
+            for (const NodePtr& child : node->children()) {
                 ASSERT_EQ(child->parentIdentifier(), node->identifier());
+                ASSERT_EQ(child->parentNode(), node.get());
+            }
         }
         ASSERT_EQ(seen.size(), m_document.nodeCount()) << "index holds nodes outside the tree";
     }

@@ -7,12 +7,19 @@
 namespace quillery {
 namespace {
 
-TEST(NodeIndex, AgreesWithAMapThroughGrowthAndErasure) {
+// The parameter is a room made before the first node and again, doubled, halfway through:
+// growing, rehashing a full index and reserving less than there is must all keep every entry.
+class NodeIndexAgainstAMap : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(NodeIndexAgainstAMap, AgreesThroughGrowthReservationAndErasure) {
     NodeIndex index;
+    index.reserve(GetParam());
     std::map<Identifier, NodePtr> expected;
     std::vector<Identifier> known;
     std::mt19937 random(7);
     for (int i = 0; i < 20000; ++i) {
+        if (i == 10000)
+            index.reserve(GetParam() * 2);
         if (known.empty() || random() % 3 != 0) {
             // A few short texts among the UUIDs exercise both forms of identifier.
             Identifier identifier =
@@ -39,6 +46,10 @@ TEST(NodeIndex, AgreesWithAMapThroughGrowthAndErasure) {
     index.forEach([&](const NodePtr&) { ++visited; });
     EXPECT_EQ(visited, expected.size());
 }
+
+INSTANTIATE_TEST_SUITE_P(Reservations, NodeIndexAgainstAMap,
+                         testing::Values(std::size_t{0}, std::size_t{100}, std::size_t{6000},
+                                         std::size_t{40000}));
 
 TEST(NodeIndex, ReplacesTheNodeOfAnIdentifierAlreadyThere) {
     NodeIndex index;
