@@ -1,8 +1,12 @@
 #pragma once
 
+#include "document/HugePageAllocator.h"
+
 #include <cstddef>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -23,8 +27,20 @@ inline constexpr std::size_t kFileContentsPadding = 64;
 
 // The bytes of a file, followed by kFileContentsPadding bytes of unspecified value.
 struct FileContents {
-    std::unique_ptr<char[]> data;
+    struct Free {
+        void operator()(char* bytes) const { std::free(bytes); }
+    };
+    std::unique_ptr<char[], Free> data;
     std::size_t size = 0;
+
+    // Room for a file of this size and the padding after it; throws bad_alloc. A large file is
+    // read in with few page faults.
+    static std::unique_ptr<char[], Free> allocate(std::size_t size) {
+        auto* bytes = static_cast<char*>(allocatePreferringHugePages(size + kFileContentsPadding));
+        if (!bytes)
+            throw std::bad_alloc();
+        return std::unique_ptr<char[], Free>(bytes);
+    }
 
     std::string_view view() const { return {data.get(), size}; }
 };

@@ -36,7 +36,8 @@ std::vector<JournalLoader::Journal> JournalLoader::load(const std::filesystem::p
             journal.rejectedRecord = outcome.rejectedRecord;
         }
     };
-    std::size_t threads =
+    // One reader per processor: each holds a whole journal and its parser's index in memory.
+    const std::size_t threads =
         std::min<std::size_t>(fileNames.size(), std::max(1u, std::thread::hardware_concurrency()));
     std::vector<std::jthread> workers;
     for (std::size_t i = 1; i < threads; ++i)

@@ -2,17 +2,39 @@
 
 #include "storage/JsonWriter.h"
 
+#include <algorithm>
 #include <chrono>
+#include <deque>
+#include <future>
 
 namespace quillery {
 
 namespace {
 
-constexpr std::size_t kChunkSize = 1 << 20;
+// Blocks being formatted ahead of the one being written: one per processor of a small machine.
+constexpr std::size_t kBlocksAhead = 2;
 
-} // namespace
+// The text of a run of records, as it stands inside the journal's "diffs" list.
+struct FormattedBlock {
+    std::string text;
+    bool invalidText = false;
+};
 
-const std::string& JournalWriter::stampText(TimePoint time) {
+class BlockFormatter {
+public:
+    FormattedBlock format(const DocumentDiff* begin, const DocumentDiff* end,
+                          JsonWriter::Nesting nesting);
+
+private:
+    const std::string& stampText(TimePoint time);
+    void record(JsonWriter& json, const DocumentDiff& diff);
+
+    std::chrono::sys_seconds m_lastStampSecond{};
+    std::chrono::sys_days m_lastStampDay{};
+    std::string m_lastStampText;
+};
+
+const std::string& BlockFormatter::stampText(TimePoint time) {
     using namespace std::chrono;
     auto second = floor<seconds>(time);
     if (!m_lastStampText.empty() && second == m_lastStampSecond)
@@ -39,20 +61,55 @@ const std::string& JournalWriter::stampText(TimePoint time) {
     return m_lastStampText;
 }
 
+// The record's journal form: "timestamp" and "identifier" first, then the payload, whose own
+// "timestamp" or "identifier" wins.
+void BlockFormatter::record(JsonWriter& json, const DocumentDiff& diff) {
+    const PlainValue* payloadStamp = diff.payload.find("timestamp");
+    const PlainValue* payloadIdentifier = diff.payload.find("identifier");
+    json.beginObject();
+    json.key("timestamp");
+    if (payloadStamp)
+        json.value(*payloadStamp);
+    else
+        json.string(stampText(diff.timestamp));
+    json.key("identifier");
+    if (payloadIdentifier)
+        json.value(*payloadIdentifier);
+    else
+        json.identifier(diff.identifier);
+    for (const auto& [key, value] : diff.payload) {
+        if (key == "timestamp" || key == "identifier")
+            continue;
+        json.key(key);
+        json.value(value);
+    }
+    json.endObject();
+}
+
+FormattedBlock BlockFormatter::format(const DocumentDiff* begin, const DocumentDiff* end,
+                                      JsonWriter::Nesting nesting) {
+    FormattedBlock block;
+    // Pretty-printed records take about 200 bytes each.
+    block.text.reserve(static_cast<std::size_t>(end - begin) * 256);
+    JsonWriter json(block.text, std::move(nesting));
+    for (const DocumentDiff* diff = begin; diff != end; ++diff)
+        record(json, *diff);
+    block.invalidText = json.sawInvalidText();
+    return block;
+}
+
+} // namespace
+
+JournalWriter::JournalWriter(std::size_t recordsPerBlock)
+    : m_recordsPerBlock(std::max<std::size_t>(1, recordsPerBlock)) {
+}
+
 JournalWriter::Result JournalWriter::write(WritableFile& file, const Identifier& client,
                                            TimePoint savedAt,
                                            const std::vector<DocumentDiff>& diffs) {
     Result result;
-    m_buffer.clear();
-    m_buffer.reserve(kChunkSize + 64 * 1024);
-    JsonWriter json(m_buffer);
-    auto flush = [&] {
-        if (!result.fileError && !m_buffer.empty())
-            result.fileError = file.append(m_buffer);
-        m_buffer.clear();
-        return !result.fileError;
-    };
-
+    std::string text;
+    JsonWriter json(text);
     json.beginObject();
     json.key("schema");
     json.string("1.0");
@@ -64,37 +121,48 @@ JournalWriter::Result JournalWriter::write(WritableFile& file, const Identifier&
     json.string(StringFromDate(savedAt));
     json.key("diffs");
     json.beginArray();
-    for (const DocumentDiff& diff : diffs) {
-        // The record's journal form: "timestamp" and "identifier" first, then the payload, whose
-        // own "timestamp" or "identifier" wins.
-        const PlainValue* payloadStamp = diff.payload.find("timestamp");
-        const PlainValue* payloadIdentifier = diff.payload.find("identifier");
-        json.beginObject();
-        json.key("timestamp");
-        if (payloadStamp)
-            json.value(*payloadStamp);
-        else
-            json.string(stampText(diff.timestamp));
-        json.key("identifier");
-        if (payloadIdentifier)
-            json.value(*payloadIdentifier);
-        else
-            json.identifier(diff.identifier);
-        for (const auto& [key, value] : diff.payload) {
-            if (key == "timestamp" || key == "identifier")
-                continue;
-            json.key(key);
-            json.value(value);
-        }
-        json.endObject();
-        if (m_buffer.size() >= kChunkSize && !flush())
-            return result;
+    result.fileError = file.append(text);
+
+    // Every block but the first continues a list that already holds records.
+    const JsonWriter::Nesting first = json.nesting();
+    JsonWriter::Nesting later = first;
+    later.back() = 1;
+    std::deque<std::future<FormattedBlock>> pending;
+    std::size_t next = 0;
+    auto launch = [&] {
+        const std::size_t end = std::min(diffs.size(), next + m_recordsPerBlock);
+        const DocumentDiff* from = diffs.data() + next;
+        const DocumentDiff* to = diffs.data() + end;
+        // Formatted here instead when no thread can be started.
+        pending.push_back(std::async(std::launch::async | std::launch::deferred,
+                                     [from, to, nesting = next == 0 ? first : later] {
+                                         return BlockFormatter().format(from, to, nesting);
+                                     }));
+        next = end;
+    };
+    while (!result.fileError && next < diffs.size() && pending.size() < kBlocksAhead)
+        launch();
+    while (!result.fileError && !pending.empty()) {
+        FormattedBlock block = pending.front().get();
+        pending.pop_front();
+        if (next < diffs.size())
+            launch();
+        result.invalidText = result.invalidText || block.invalidText;
+        result.fileError = file.append(block.text);
     }
+    // A failed write leaves the blocks still being formatted to finish before the records they
+    // read may go.
+    pending.clear();
+    if (result.fileError)
+        return result;
+
+    text.clear();
+    if (!diffs.empty())
+        json.setNesting(later);
     json.endArray();
     json.endObject();
-    m_buffer += '\n';
-    flush();
-    result.invalidText = json.sawInvalidText();
+    text += '\n';
+    result.fileError = file.append(text);
     return result;
 }
 

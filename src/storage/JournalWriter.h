@@ -3,7 +3,7 @@
 #include "model/DocumentDiff.h"
 #include "storage/FileSystem.h"
 
-#include <chrono>
+#include <cstddef>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -11,8 +11,9 @@
 namespace quillery {
 
 // Writes one client's journal: "schema" "1.0", "version" (the number of records), "client",
-// "last_modified" and "diffs", pretty-printed, each record in its journal form. The text goes to
-// the file in chunks, so a large log is never held twice in memory.
+// "last_modified" and "diffs", pretty-printed, each record in its journal form. A large log is
+// formatted in blocks of records on worker threads while the blocks before go to the file in
+// order, so it is never held twice in memory and the processors share the work.
 class JournalWriter {
 public:
     struct Result {
@@ -22,16 +23,15 @@ public:
         explicit operator bool() const { return !fileError && !invalidText; }
     };
 
+    static constexpr std::size_t kRecordsPerBlock = 4096;
+
+    explicit JournalWriter(std::size_t recordsPerBlock = kRecordsPerBlock);
+
     Result write(WritableFile& file, const Identifier& client, TimePoint savedAt,
                  const std::vector<DocumentDiff>& diffs);
 
 private:
-    const std::string& stampText(TimePoint time);
-
-    std::string m_buffer;
-    std::chrono::sys_seconds m_lastStampSecond{};
-    std::chrono::sys_days m_lastStampDay{};
-    std::string m_lastStampText;
+    std::size_t m_recordsPerBlock;
 };
 
 } // namespace quillery

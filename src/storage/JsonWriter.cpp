@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cstring>
 #include <simdjson.h>
 
 namespace quillery {
@@ -55,15 +56,54 @@ std::size_t validSequenceLength(std::string_view text) {
     return 0;
 }
 
+// Whether no byte of the text needs escaping or is part of a UTF-8 sequence, looked at eight
+// bytes at a time: a journal is mostly such texts.
+bool isPlainAscii(std::string_view text) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101ull;
+    constexpr std::uint64_t kHighBits = 0x8080808080808080ull;
+    // A byte of the word is zero exactly where the high bit of this is set (for bytes < 0x80).
+    auto zeroBytes = [](std::uint64_t word) {
+        return (word - kOnes) & ~word & kHighBits;
+    };
+    std::size_t i = 0;
+    for (; i + 8 <= text.size(); i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, text.data() + i, 8);
+        const std::uint64_t special = (word & kHighBits) | zeroBytes(word & ~(kOnes * 0x1F)) |
+                                      zeroBytes(word ^ (kOnes * '"')) |
+                                      zeroBytes(word ^ (kOnes * '\\'));
+        if (special != 0)
+            return false;
+    }
+    std::uint8_t classes = 0;
+    for (; i < text.size(); ++i)
+        classes |= kByteClass[static_cast<unsigned char>(text[i])];
+    return classes == 0;
+}
+
 } // namespace
 
 JsonWriter::JsonWriter(std::string& out)
     : m_out(out) {
 }
 
-void JsonWriter::newLine() {
-    m_out += '\n';
-    m_out.append(2 * m_hasEntries.size(), ' ');
+JsonWriter::JsonWriter(std::string& out, Nesting nesting)
+    : m_out(out)
+    , m_hasEntries(std::move(nesting)) {
+}
+
+// A separator and the line break and indentation after it, appended in one piece: a journal
+// has one for every value.
+void JsonWriter::newLine(bool comma) {
+    static constexpr std::string_view kBreaks = ",\n                                ";
+    const std::size_t indent = 2 * m_hasEntries.size();
+    const std::size_t length = 1 + indent + (comma ? 1 : 0);
+    if (length <= kBreaks.size()) {
+        m_out.append(kBreaks.substr(comma ? 0 : 1, length));
+        return;
+    }
+    m_out += kBreaks.substr(comma ? 0 : 1, comma ? 2 : 1);
+    m_out.append(indent, ' ');
 }
 
 void JsonWriter::beforeValue() {
@@ -73,10 +113,9 @@ void JsonWriter::beforeValue() {
     }
     if (m_hasEntries.empty())
         return;
-    if (m_hasEntries.back())
-        m_out += ',';
+    const bool comma = m_hasEntries.back();
     m_hasEntries.back() = true;
-    newLine();
+    newLine(comma);
 }
 
 void JsonWriter::beginObject() {
@@ -95,7 +134,7 @@ void JsonWriter::closeContainer(char bracket) {
     bool hadEntries = m_hasEntries.back();
     m_hasEntries.pop_back();
     if (hadEntries)
-        newLine();
+        newLine(false);
     m_out += bracket;
 }
 
@@ -168,16 +207,17 @@ void JsonWriter::dictionary(const PlainDictionary& dictionary) {
 void JsonWriter::appendEscaped(std::string_view text) {
     static constexpr char kHex[] = "0123456789abcdef";
     // Most texts are plain ASCII with nothing to escape: copy those in one go.
-    std::uint8_t classes = 0;
-    for (char byte : text)
-        classes |= kByteClass[static_cast<unsigned char>(byte)];
-    m_out += '"';
-    if (classes == 0) {
-        m_out += text;
-        m_out += '"';
+    if (isPlainAscii(text)) {
+        const std::size_t at = m_out.size();
+        m_out.resize(at + text.size() + 2);
+        char* out = m_out.data() + at;
+        out[0] = '"';
+        std::memcpy(out + 1, text.data(), text.size());
+        out[text.size() + 1] = '"';
         return;
     }
-    bool valid = (classes & kNonAscii) == 0 || simdjson::validate_utf8(text.data(), text.size());
+    m_out += '"';
+    const bool valid = simdjson::validate_utf8(text.data(), text.size());
     std::size_t runStart = 0;
     for (std::size_t i = 0; i < text.size();) {
         auto c = static_cast<unsigned char>(text[i]);

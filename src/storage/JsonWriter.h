@@ -16,7 +16,16 @@ namespace quillery {
 // somewhere), the writer keeps no position in it.
 class JsonWriter {
 public:
+    // For every open container, outermost first: whether it holds an entry yet.
+    using Nesting = std::vector<std::uint8_t>;
+
     explicit JsonWriter(std::string& out);
+    // Continues inside containers that another writer opened, so that parts of one text can be
+    // written apart (on other threads, into other strings) and joined in order.
+    JsonWriter(std::string& out, Nesting nesting);
+
+    const Nesting& nesting() const { return m_hasEntries; }
+    void setNesting(Nesting nesting) { m_hasEntries = std::move(nesting); }
 
     void beginObject();
     void endObject();
@@ -38,13 +47,12 @@ public:
 
 private:
     void beforeValue();
-    void newLine();
+    void newLine(bool comma);
     void closeContainer(char bracket);
     void appendEscaped(std::string_view text);
 
     std::string& m_out;
-    // For every open container: whether it holds an entry yet.
-    std::vector<bool> m_hasEntries;
+    Nesting m_hasEntries;
     bool m_afterKey = false;
     bool m_sawInvalidText = false;
 };

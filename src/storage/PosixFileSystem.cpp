@@ -163,7 +163,7 @@ std::error_code PosixFileSystem::readFile(const std::filesystem::path& path,
     if (auto error = openRegularFile(path, rawFd, size))
         return error;
     FileDescriptor fd(rawFd);
-    contents.data = std::make_unique_for_overwrite<char[]>(size + kFileContentsPadding);
+    contents.data = FileContents::allocate(size);
     contents.size = 0;
     // The file may change while it is read: take what is there, up to the size seen at open.
     while (contents.size < size) {

@@ -61,5 +61,54 @@ TEST(JournalWriterTest, FileErrorStopsTheWrite) {
     EXPECT_EQ(result.fileError, std::errc::no_space_on_device);
 }
 
+std::vector<DocumentDiff> mixedRecords(std::size_t count) {
+    using namespace std::chrono;
+    const TimePoint start = sys_days{2019y / March / 4} + 23h + 59min;
+    std::vector<DocumentDiff> diffs;
+    for (std::size_t i = 0; i < count; ++i) {
+        PlainDictionary payload{{"text", "note " + std::to_string(i) + (i % 7 ? "" : " \"q\"")}};
+        if (i % 3 == 0)
+            payload.set("parent", "root");
+        if (i % 11 == 0)
+            payload.set("timestamp", "own");
+        diffs.emplace_back(start + seconds(i * 13), Identifier("N" + std::to_string(i)),
+                           std::move(payload));
+    }
+    return diffs;
+}
+
+// Blocks of records are formatted apart and joined; the journal must read the same whatever
+// the blocks, including blocks of one record, a last short block and a single block.
+TEST(JournalWriterTest, BlocksJoinIntoTheSameJournal) {
+    const auto diffs = mixedRecords(301);
+    StringFile whole;
+    ASSERT_TRUE(JournalWriter(1000).write(whole, Identifier("C"), TimePoint{}, diffs));
+    for (std::size_t perBlock : {1u, 2u, 7u, 300u, 301u}) {
+        StringFile blocks;
+        ASSERT_TRUE(JournalWriter(perBlock).write(blocks, Identifier("C"), TimePoint{}, diffs));
+        EXPECT_EQ(blocks.text, whole.text) << perBlock;
+    }
+    simdjson::dom::parser parser;
+    simdjson::dom::element journal = parser.parse(whole.text);
+    EXPECT_EQ(simdjson::dom::array(journal["diffs"]).size(), diffs.size());
+    StringFile empty;
+    ASSERT_TRUE(JournalWriter(1).write(empty, Identifier("C"), TimePoint{}, {}));
+    EXPECT_TRUE(empty.text.ends_with("\"diffs\" : []\n}\n")) << empty.text;
+}
+
+TEST(JournalWriterTest, FileErrorPartWayStopsAfterTheBlocksInHand) {
+    class FillingFile : public StringFile {
+        std::error_code append(std::string_view bytes) override {
+            if (++appends > 3)
+                return std::make_error_code(std::errc::no_space_on_device);
+            return StringFile::append(bytes);
+        }
+        int appends = 0;
+    } file;
+    auto result = JournalWriter(5).write(file, Identifier("C"), TimePoint{}, mixedRecords(500));
+    EXPECT_EQ(result.fileError, std::errc::no_space_on_device);
+    EXPECT_FALSE(result.invalidText);
+}
+
 } // namespace
 } // namespace quillery

@@ -39,10 +39,52 @@ TEST(JsonWriterTest, PrettyPrintsOneEntryPerLine) {
                    "}");
 }
 
+// Line breaks come from a table of indentations; a nesting deeper than it still indents.
+TEST(JsonWriterTest, IndentsEveryLevelOfADeepNesting) {
+    constexpr int kDepth = 40;
+    std::string out;
+    JsonWriter json(out);
+    std::string expected;
+    for (int level = 0; level < kDepth; ++level) {
+        json.beginArray();
+        json.integer(level);
+        expected += (level == 0 ? "" : ",\n" + std::string(2 * level, ' ')) + "[\n" +
+                    std::string(2 * (level + 1), ' ') + std::to_string(level);
+    }
+    for (int level = kDepth - 1; level >= 0; --level) {
+        json.endArray();
+        expected += "\n" + std::string(2 * level, ' ') + "]";
+    }
+    EXPECT_EQ(out, expected);
+}
+
 TEST(JsonWriterTest, EscapesWhatJsonRequiresAndKeepsUtf8) {
     std::string out;
     JsonWriter(out).string("q\" b\\ n\n t\t c\x01 \xC3\xA9 \xF0\x9F\x98\x80 /");
     EXPECT_EQ(out, "\"q\\\" b\\\\ n\\n t\\t c\\u0001 \xC3\xA9 \xF0\x9F\x98\x80 /\"");
+}
+
+// Texts are scanned eight bytes at a time: a byte to escape must be found wherever it falls in
+// or after a word, and the bytes next to the escaping boundaries must not be.
+TEST(JsonWriterTest, FindsEachByteToEscapeAtEveryPosition) {
+    const std::vector<std::pair<std::string, std::string>> specials = {
+        {"\"", "\\\""},      {"\\", "\\\\"},
+        {"\n", "\\n"},       {std::string(1, '\0'), "\\u0000"},
+        {"\x1F", "\\u001f"}, {"\xC3\xA9", "\xC3\xA9"},
+        {"\x20", " "},       {"\x7F", "\x7F"},
+        {"!", "!"},          {"#", "#"},
+        {"[", "["},          {"]", "]"}};
+    for (std::size_t length : {1u, 7u, 8u, 9u, 16u, 17u}) {
+        for (std::size_t at = 0; at < length; ++at) {
+            for (const auto& [raw, escaped] : specials) {
+                const std::string before(at, 'a');
+                const std::string after(length - at - 1, 'b');
+                std::string out;
+                JsonWriter(out).string(before + raw + after);
+                EXPECT_EQ(out, "\"" + before + escaped + after + "\"") << length << " " << at;
+            }
+        }
+    }
 }
 
 TEST(JsonWriterTest, UuidTextsAreWrittenAsText) {
