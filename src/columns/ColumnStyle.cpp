@@ -33,6 +33,15 @@ QColor textColor(const Color& designColor, const QPalette& palette) {
     return color;
 }
 
+ChildCountColors childCountColors(const QPalette& palette, bool dimmed) {
+    if (!dimmed)
+        return {QColor::fromRgbF(0.5f, 0.5f, 0.5f, 0.85f), QColor(Qt::white)};
+    // The disabled group's text colour is already faded; fading it again would lose the count.
+    QColor text = palette.color(QPalette::Normal, QPalette::Text);
+    text.setAlphaF(0.5f);
+    return {QColor::fromRgbF(0.5f, 0.5f, 0.5f, 0.2f), text};
+}
+
 double qtPointSize(double designPoints) {
     return designPoints * 72.0 / 96.0;
 }

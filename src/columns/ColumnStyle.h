@@ -20,6 +20,16 @@ bool isDark(const QPalette& palette);
 // palette are brightened enough to stand out from the dark background.
 QColor textColor(const Color& designColor, const QPalette& palette);
 
+// The colours of the count of a row's children: a pill and the number on it. Normally white on a
+// mid-gray pill, legible on light and dark backgrounds alike. A dimmed row fades its pill but
+// draws the number in a mid text colour rather than fading it too, so it recedes with the row
+// and still stands out from the pill.
+struct ChildCountColors {
+    QColor badge;
+    QColor text;
+};
+ChildCountColors childCountColors(const QPalette& palette, bool dimmed);
+
 // Sizes in the design are in the original desktop's points, which are logical pixels; Qt points
 // are 1/72 inch, 4/3 of a logical pixel at the standard 96 dpi. Converting keeps the design's
 // proportions and still follows the desktop's font DPI setting.

@@ -1,6 +1,7 @@
 #include "columns/CustomTableView.h"
 
 #include "columns/ColumnCommand.h"
+#include "columns/DropIndicatorStyle.h"
 #include "columns/NodeListModel.h"
 
 #include <QDropEvent>
@@ -27,6 +28,9 @@ CustomTableView::CustomTableView(QWidget* parent)
     setDragEnabled(true);
     setAcceptDrops(true);
     setDropIndicatorShown(true);
+    auto* style = new DropIndicatorStyle;
+    style->setParent(this);
+    setStyle(style);
     setDragDropMode(QAbstractItemView::DragDrop);
     setDefaultDropAction(Qt::MoveAction);
 }
@@ -84,8 +88,12 @@ void CustomTableView::resizeEvent(QResizeEvent* event) {
 
 void CustomTableView::dragMoveEvent(QDragMoveEvent* event) {
     MyScrollView::dragMoveEvent(event);
-    if (event->isAccepted())
+    const bool wasAccepted = m_dropAccepted;
+    m_dropAccepted = event->isAccepted();
+    if (m_dropAccepted)
         chooseDropAction(event);
+    else if (wasAccepted)
+        viewport()->update();
 }
 
 void CustomTableView::dropEvent(QDropEvent* event) {

@@ -15,6 +15,9 @@ public:
 
     // The selected row, or -1.
     int selectedRow() const;
+    // Whether a drag over the list was last at a place that takes it. The list itself keeps the
+    // last accepted mark when the drag moves on to a refused place, so the mark asks here.
+    bool dropMarkShown() const { return m_dropAccepted; }
 
 signals:
     // The viewport's width changed; row heights depend on it.
@@ -32,6 +35,7 @@ private:
     void chooseDropAction(QDropEvent* event) const;
 
     int m_lastWidth = -1;
+    bool m_dropAccepted = false;
 };
 
 } // namespace quillery

@@ -187,18 +187,19 @@ void NodeRowDelegate::paintText(QPainter& painter, const QStyleOptionViewItem& o
                                 const QModelIndex& index, const NotebookNode& node, bool enabled,
                                 bool selected) const {
     // In a disabled column the selected row stays clear while the others fade.
-    painter.setOpacity(enabled || selected ? 1.0 : kDimmedTextOpacity);
+    const bool dimmed = !enabled && !selected;
+    painter.setOpacity(dimmed ? kDimmedTextOpacity : 1.0);
     StyledTextLayout layout(node.text(), option.palette);
     const int height = static_cast<int>(std::ceil(layout.layout(textWidth()))) + kVerticalSpace;
     remember(index, node, height, option.rect.height());
     painter.setClipRect(option.rect, Qt::IntersectClip);
     layout.draw(painter, QPointF(option.rect.left() + kTextInset, option.rect.top() + kTopMargin));
     if (!node.children().empty())
-        paintChildCount(painter, option, node.children().size());
+        paintChildCount(painter, option, node.children().size(), dimmed);
 }
 
 void NodeRowDelegate::paintChildCount(QPainter& painter, const QStyleOptionViewItem& option,
-                                      std::size_t count) const {
+                                      std::size_t count, bool dimmed) const {
     QFont font = option.font;
     font.setBold(true);
     const QFontMetrics metrics(font);
@@ -208,13 +209,16 @@ void NodeRowDelegate::paintChildCount(QPainter& painter, const QStyleOptionViewI
     // In the corner below the text, which the 24 of vertical space leaves free.
     const QRect badge(option.rect.right() - kTextInset - width + 1,
                       option.rect.bottom() - height - 3, width, height);
+    // The count fades less than the text, through its own colours, to stay readable.
+    const columnstyle::ChildCountColors colors =
+        columnstyle::childCountColors(option.palette, dimmed);
+    painter.setOpacity(1.0);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    // A mid-gray pill keeps the white count legible on light and dark backgrounds alike.
-    painter.setBrush(QColor::fromRgbF(0.5f, 0.5f, 0.5f, 0.85f));
+    painter.setBrush(colors.badge);
     painter.drawRoundedRect(badge, height / 2.0, height / 2.0);
     painter.setFont(font);
-    painter.setPen(Qt::white);
+    painter.setPen(colors.text);
     painter.drawText(badge, Qt::AlignCenter, text);
 }
 

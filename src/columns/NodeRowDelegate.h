@@ -59,8 +59,8 @@ private:
                       bool enabled) const;
     void paintText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index,
                    const NotebookNode& node, bool enabled, bool selected) const;
-    void paintChildCount(QPainter& painter, const QStyleOptionViewItem& option,
-                         std::size_t count) const;
+    void paintChildCount(QPainter& painter, const QStyleOptionViewItem& option, std::size_t count,
+                         bool dimmed) const;
     void paintSelection(QPainter& painter, const QStyleOptionViewItem& option) const;
     void remember(const QModelIndex& index, const NotebookNode& node, int height,
                   int shownHeight) const;

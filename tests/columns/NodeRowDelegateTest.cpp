@@ -2,11 +2,16 @@
 
 #include "ColumnTestSupport.h"
 #include "columns/ColumnDropHandler.h"
+#include "columns/ColumnStyle.h"
 #include "columns/NodeListModel.h"
 #include "columns/StyledTextLayout.h"
 
 #include <QElapsedTimer>
 #include <QMimeData>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
 
 namespace quillery::testing {
 namespace {
@@ -142,6 +147,129 @@ TEST_F(ColumnModelDrops, ADroppedAddressOpensItsNoteInTheEditorNextTurn) {
     QApplication::processEvents();
     ASSERT_NE(delegate.editor, nullptr);
     EXPECT_EQ(delegate.editor->representedNode(), parent->children().back());
+}
+
+// A dimmed column fades its rows, but the count of a row's children must stay readable: its
+// number keeps at least the contrast of large text against its pill on the list's background.
+struct CountPalette {
+    const char* name;
+    QColor base;
+    QColor text;
+    bool dimmed;
+};
+
+double luminance(const QColor& color) {
+    const auto channel = [](float value) {
+        return value <= 0.04045f ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(color.redF()) + 0.7152 * channel(color.greenF()) +
+           0.0722 * channel(color.blueF());
+}
+
+QColor over(const QColor& top, const QColor& below) {
+    const float alpha = top.alphaF();
+    const auto mix = [alpha](float a, float b) {
+        return a * alpha + b * (1 - alpha);
+    };
+    return QColor::fromRgbF(mix(top.redF(), below.redF()), mix(top.greenF(), below.greenF()),
+                            mix(top.blueF(), below.blueF()));
+}
+
+class ChildCountContrast : public ::testing::TestWithParam<CountPalette> {};
+
+TEST_P(ChildCountContrast, TheCountStandsOutFromItsPill) {
+    const CountPalette& shown = GetParam();
+    QPalette palette;
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
+        palette.setColor(group, QPalette::Text, shown.text);
+    // A disabled list's own text colour is already faded towards the background.
+    palette.setColor(
+        QPalette::Disabled, QPalette::Text,
+        over(QColor(shown.text.red(), shown.text.green(), shown.text.blue(), 64), shown.base));
+    palette.setColor(QPalette::Base, shown.base);
+    palette.setCurrentColorGroup(shown.dimmed ? QPalette::Disabled : QPalette::Active);
+    const columnstyle::ChildCountColors colors =
+        columnstyle::childCountColors(palette, shown.dimmed);
+    const QColor pill = over(colors.badge, shown.base);
+    const QColor number = over(colors.text, pill);
+    const double lighter = std::max(luminance(pill), luminance(number));
+    const double darker = std::min(luminance(pill), luminance(number));
+    EXPECT_GE((lighter + 0.05) / (darker + 0.05), 3.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    LightAndDark, ChildCountContrast,
+    ::testing::Values(
+        CountPalette{"light", Qt::white, Qt::black, false},
+        CountPalette{"lightDimmed", QColor(0xef, 0xef, 0xef), Qt::black, true},
+        CountPalette{"dark", QColor(0x28, 0x28, 0x28), QColor(0xee, 0xee, 0xee), false},
+        CountPalette{"darkDimmed", QColor(0x28, 0x28, 0x28), QColor(0xee, 0xee, 0xee), true}),
+    [](const ::testing::TestParamInfo<CountPalette>& param) { return param.param.name; });
+
+// The mark where a dragged note would land is drawn in the list's highlight colour, and only
+// where the note may be dropped.
+class DropMark : public ColumnFixture {
+protected:
+    static constexpr QRgb kHighlight = qRgb(255, 0, 255);
+
+    // Drags the row over a point of the list (by way of another, when given) and counts the
+    // highlight-coloured pixels shown.
+    int markPixels(int draggedRow, QPoint at, std::optional<QPoint> byWayOf = std::nullopt) {
+        CustomTableView* view = column->tableView();
+        QPalette palette = view->palette();
+        palette.setColor(QPalette::Highlight, QColor(kHighlight));
+        view->setPalette(palette);
+        QAbstractItemModel* model = view->model();
+        std::unique_ptr<QMimeData> drag(model->mimeData({model->index(draggedRow, 0)}));
+        QDragEnterEvent enter(at, Qt::MoveAction, drag.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(view->viewport(), &enter);
+        if (byWayOf) {
+            QDragMoveEvent earlier(*byWayOf, Qt::MoveAction, drag.get(), Qt::LeftButton,
+                                   Qt::NoModifier);
+            QApplication::sendEvent(view->viewport(), &earlier);
+        }
+        QDragMoveEvent move(at, Qt::MoveAction, drag.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(view->viewport(), &move);
+        const QImage shown = view->viewport()->grab().toImage();
+        QDragLeaveEvent leave;
+        QApplication::sendEvent(view->viewport(), &leave);
+        int count = 0;
+        for (int y = 0; y < shown.height(); ++y)
+            for (int x = 0; x < shown.width(); ++x)
+                count += shown.pixel(x, y) == kHighlight ? 1 : 0;
+        return count;
+    }
+    QRect rowRect(int row) const {
+        CustomTableView* view = column->tableView();
+        return view->visualRect(view->model()->index(row, 0));
+    }
+};
+
+TEST_F(DropMark, OutlinesTheRowOrLinesTheGapInTheHighlightColour) {
+    const NodePtr parent = add(document.rootNode(), "parent");
+    for (const char* text : {"a", "b", "c"})
+        add(parent, text);
+    open(parent);
+    const QRect target = rowRect(2);
+    // An outline goes all round the row.
+    EXPECT_GE(markPixels(0, target.center()), 2 * target.width());
+    // A line runs between the rows.
+    const int between = markPixels(0, {target.center().x(), target.top() + 1});
+    EXPECT_GE(between, target.width() / 2);
+    EXPECT_LT(between, 2 * target.width());
+}
+
+TEST_F(DropMark, NothingIsMarkedWhereTheNoteMayNotGo) {
+    const NodePtr parent = add(document.rootNode(), "parent");
+    for (const char* text : {"a", "b", "c"})
+        add(parent, text);
+    open(parent);
+    // Onto itself, or just above itself, where it already is.
+    EXPECT_EQ(markPixels(1, rowRect(1).center()), 0);
+    EXPECT_EQ(markPixels(1, {rowRect(1).center().x(), rowRect(1).top() + 1}), 0);
+    // Nor after the drag passed over a place that takes it.
+    ASSERT_GT(markPixels(1, rowRect(2).center()), 0);
+    EXPECT_EQ(markPixels(1, rowRect(1).center(), rowRect(2).center()), 0);
 }
 
 } // namespace
