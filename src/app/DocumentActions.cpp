@@ -68,6 +68,9 @@ DocumentActions DocumentActions::create(QMainWindow& window) {
         addAction(edit, trMenu("&Undo"), QStringLiteral("actionUndo"), QKeySequence::Undo);
     actions.redo =
         addAction(edit, trMenu("&Redo"), QStringLiteral("actionRedo"), QKeySequence::Redo);
+    edit->addSeparator();
+    actions.paste =
+        addAction(edit, trMenu("&Paste"), QStringLiteral("actionPaste"), QKeySequence::Paste);
 
     // Ctrl+N and Ctrl+P move within a focused column, and Return edits there, so the Note
     // commands use keys no column claims.

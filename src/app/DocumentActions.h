@@ -19,6 +19,7 @@ struct DocumentActions {
     QAction* quit = nullptr;
     QAction* undo = nullptr;
     QAction* redo = nullptr;
+    QAction* paste = nullptr;
     QAction* addNote = nullptr;
     QAction* addNoteBeneath = nullptr;
     QAction* editNote = nullptr;

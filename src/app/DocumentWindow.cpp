@@ -10,6 +10,8 @@
 #include "storage/NotebookPackage.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QMenu>
@@ -54,6 +56,8 @@ DocumentWindow::DocumentWindow(DocumentController& controller, std::unique_ptr<D
 // The columns observe the document, so they go first; the document then lets go of the undo
 // history that is about to go too.
 DocumentWindow::~DocumentWindow() {
+    // The focus moves as the columns go; a half-destroyed window must not hear of it.
+    disconnect(qApp, &QApplication::focusChanged, this, nullptr);
     delete takeCentralWidget();
     detachDocument();
 }
@@ -165,6 +169,16 @@ void DocumentWindow::connectActions() {
             m_undoManager->redo();
         }
     });
+    // Only a focused column pastes; a text field with the focus takes Ctrl+V for itself before
+    // the shortcut is considered, and the action is disabled while the note editor is open.
+    connect(m_actions.paste, &QAction::triggered, this, [this] {
+        if (ListViewController* column = focusedColumn()) {
+            column->paste();
+        }
+    });
+    connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this,
+            &DocumentWindow::updatePasteAction);
+    connect(qApp, &QApplication::focusChanged, this, &DocumentWindow::updatePasteAction);
     connect(m_actions.addNote, &QAction::triggered, this, [this] {
         // With no column to take it, the app-level command's fallback applies: a new
         // notebook.
@@ -243,6 +257,12 @@ void DocumentWindow::updateActions() {
     m_actions.addNoteBeneath->setEnabled(browsing);
     m_actions.editNote->setEnabled(browsing);
     m_actions.revert->setEnabled(m_document->fileLocation().has_value());
+    updatePasteAction();
+}
+
+void DocumentWindow::updatePasteAction() {
+    ListViewController* column = focusedColumn();
+    m_actions.paste->setEnabled(column && column->canPaste());
 }
 
 void DocumentWindow::autosave() {
@@ -316,6 +336,14 @@ bool DocumentWindow::sendToActiveColumn(void (ListViewController::*command)()) {
     }
     (column->*command)();
     return true;
+}
+
+ListViewController* DocumentWindow::focusedColumn() const {
+    // No columns between taking them down and showing new ones (Revert, closing).
+    if (!centralWidget() || splitViewController()->panel()) {
+        return nullptr;
+    }
+    return AppDelegate::columnContaining(focusWidget());
 }
 
 } // namespace quillery

@@ -67,6 +67,9 @@ private:
     bool mayClose();
     void fillRecentMenu();
     bool sendToActiveColumn(void (ListViewController::*command)());
+    // The column holding this window's keyboard focus; none while a panel is open.
+    ListViewController* focusedColumn() const;
+    void updatePasteAction();
 
     DocumentController& m_controller;
     std::unique_ptr<UndoManager> m_undoManager;

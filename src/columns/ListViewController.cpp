@@ -12,8 +12,11 @@
 #include "document/Document.h"
 
 #include <QBoxLayout>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMimeData>
 #include <QPointer>
 #include <QScrollArea>
 #include <QTimer>
@@ -403,6 +406,16 @@ void ListViewController::didTapEditNode() {
 
 void ListViewController::didTapDeleteNode() {
     d->deleteSelectedNode();
+}
+
+bool ListViewController::canPaste() const {
+    const QMimeData* clipboard = QGuiApplication::clipboard()->mimeData();
+    return d->enabled && !d->temporaryNode && clipboard && d->model->canPaste(*clipboard);
+}
+
+bool ListViewController::paste() {
+    const QMimeData* clipboard = QGuiApplication::clipboard()->mimeData();
+    return d->enabled && !d->temporaryNode && clipboard && d->model->paste(*clipboard);
 }
 
 int ListViewController::selectedRow() const {

@@ -54,6 +54,10 @@ public:
     void didTapEditNode();
     // Deletes the selected note, asking first unless it is empty.
     void didTapDeleteNode();
+    // Edit > Paste from the clipboard: a picture or an address is added at the end of the column.
+    // Nothing can be pasted while the column is disabled or a new note is being typed.
+    bool canPaste() const;
+    bool paste();
 
     // The selected row (-1 for none) and its note; selecting runs the selection handling, so
     // the delegate hears of it.

@@ -170,11 +170,26 @@ bool NodeListModel::dropMimeData(const QMimeData* data, Qt::DropAction, int row,
     const DropPlace place = dropPlace(row, parent);
     const ColumnDropHandler::Outcome outcome =
         m_dropHandler->acceptDrop(m_representedNode, *data, place.row, place.position);
-    if (outcome.noteToEdit) {
-        QTimer::singleShot(0, this,
-                           [this, note = outcome.noteToEdit] { emit noteToEditAfterDrop(note); });
-    }
+    editAfterDrop(outcome.noteToEdit);
     return outcome.accepted;
+}
+
+bool NodeListModel::canPaste(const QMimeData& data) const {
+    return m_dropHandler && m_dropHandler->canPaste(m_representedNode, data);
+}
+
+bool NodeListModel::paste(const QMimeData& data) {
+    if (!canPaste(data))
+        return false;
+    const ColumnDropHandler::Outcome outcome = m_dropHandler->paste(m_representedNode, data);
+    editAfterDrop(outcome.noteToEdit);
+    return outcome.accepted;
+}
+
+void NodeListModel::editAfterDrop(NodePtr note) {
+    if (note)
+        QTimer::singleShot(0, this,
+                           [this, note = std::move(note)] { emit noteToEditAfterDrop(note); });
 }
 
 Qt::DropActions NodeListModel::supportedDropActions() const {

@@ -57,6 +57,11 @@ public:
     Qt::DropActions supportedDropActions() const override;
     Qt::DropActions supportedDragActions() const override;
 
+    // Edit > Paste: a picture or an address lands where a drop after the last row would, with
+    // the same follow-up. Returns whether anything was pasted.
+    bool canPaste(const QMimeData& data) const;
+    bool paste(const QMimeData& data);
+
 signals:
     // A drop made a note that wants its editor; sent on the turn after the drop.
     void noteToEditAfterDrop(NodePtr node);
@@ -64,6 +69,7 @@ signals:
 private:
     struct DropPlace;
     DropPlace dropPlace(int row, const QModelIndex& parent) const;
+    void editAfterDrop(NodePtr note);
 
     Document* m_document;
     std::unique_ptr<ColumnDropHandler> m_dropHandler;

@@ -2,6 +2,9 @@
 #include "app/AppFixture.h"
 
 #include <QAction>
+#include <QClipboard>
+#include <QMimeData>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QTest>
 
@@ -96,9 +99,9 @@ TEST_F(DocumentWindowTest, AddNoteWithNoColumnMakesANewNotebookLikeTheAppCommand
 
 TEST_F(DocumentWindowTest, EveryCommandHasAShortcutOfItsOwn) {
     DocumentWindow& window = *controller.newDocument();
-    for (const char* name :
-         {"actionNew", "actionOpen", "actionSave", "actionSaveAs", "actionClose", "actionQuit",
-          "actionUndo", "actionRedo", "actionAddNote", "actionAddNoteBeneath", "actionEditNote"}) {
+    for (const char* name : {"actionNew", "actionOpen", "actionSave", "actionSaveAs", "actionClose",
+                             "actionQuit", "actionUndo", "actionRedo", "actionPaste",
+                             "actionAddNote", "actionAddNoteBeneath", "actionEditNote"}) {
         EXPECT_FALSE(action(window, name).shortcut().isEmpty()) << name;
     }
     std::map<QString, QString> owners;
@@ -110,6 +113,85 @@ TEST_F(DocumentWindowTest, EveryCommandHasAShortcutOfItsOwn) {
                                   << each->objectName().toStdString();
         }
     }
+}
+
+// Edit → Paste: a picture or an address goes to the focused column; text fields keep Ctrl+V.
+
+class DocumentWindowPasteTest : public DocumentWindowTest {
+protected:
+    ~DocumentWindowPasteTest() override { QGuiApplication::clipboard()->clear(); }
+
+    // A shown notebook holding "first", its first column focused.
+    DocumentWindow& openFocused() {
+        DocumentWindow& window = *controller.newDocument();
+        addNote(window, "first");
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        window.splitViewController()->column(0)->makeFirstResponder();
+        QApplication::processEvents();
+        return window;
+    }
+
+    // The clipboard takes the data.
+    static void copy(QMimeData* data) { QGuiApplication::clipboard()->setMimeData(data); }
+
+    static QMimeData* pictureAndText() {
+        QImage image(8, 6, QImage::Format_RGB32);
+        image.fill(Qt::green);
+        auto* data = new QMimeData;
+        data->setImageData(image);
+        data->setText(QStringLiteral("words"));
+        return data;
+    }
+
+    static void pressPaste() {
+        ASSERT_NE(QApplication::focusWidget(), nullptr);
+        QTest::keySequence(QApplication::focusWidget(), QKeySequence(QKeySequence::Paste));
+    }
+};
+
+TEST_F(DocumentWindowPasteTest, CtrlVInAColumnAddsThePictureLastAsOneUndoStep) {
+    DocumentWindow& window = openFocused();
+    QAction& paste = action(window, "actionPaste");
+    const NodePtr& root = window.document().rootNode();
+    copy(pictureAndText());
+    EXPECT_TRUE(paste.isEnabled());
+
+    pressPaste();
+
+    ASSERT_EQ(root->children().size(), 2u);
+    EXPECT_EQ(root->children()[0]->text(), "first");
+    EXPECT_TRUE(root->children()[1]->imageIdentifier().has_value());
+    action(window, "actionUndo").trigger();
+    EXPECT_EQ(root->children().size(), 1u);
+}
+
+TEST_F(DocumentWindowPasteTest, PasteIsGreyedForTextAndDoesNothing) {
+    DocumentWindow& window = openFocused();
+    auto* text = new QMimeData;
+    text->setText(QStringLiteral("https://example.org/ is only text here"));
+    copy(text);
+
+    EXPECT_FALSE(action(window, "actionPaste").isEnabled());
+    pressPaste();
+    action(window, "actionPaste").trigger();
+
+    EXPECT_EQ(window.document().rootNode()->children().size(), 1u);
+}
+
+TEST_F(DocumentWindowPasteTest, CtrlVInTheNoteEditorPastesTextThereAndAddsNoNote) {
+    DocumentWindow& window = openFocused();
+    copy(pictureAndText());
+    action(window, "actionEditNote").trigger();
+    ASSERT_TRUE(QTest::qWaitFor(
+        [] { return qobject_cast<QPlainTextEdit*>(QApplication::focusWidget()) != nullptr; }));
+    auto* editor = qobject_cast<QPlainTextEdit*>(QApplication::focusWidget());
+    EXPECT_FALSE(action(window, "actionPaste").isEnabled());
+
+    pressPaste();
+
+    EXPECT_TRUE(editor->toPlainText().contains(QStringLiteral("words")));
+    EXPECT_EQ(window.document().rootNode()->children().size(), 1u);
 }
 
 // Saving: in place a moment after each change once there is a location, never before.

@@ -1,0 +1,105 @@
+#include "ColumnTestSupport.h"
+#include "columns/ColumnDropHandler.h"
+
+#include <QClipboard>
+#include <QMimeData>
+
+#include <functional>
+
+namespace quillery::testing {
+namespace {
+
+QImage picture() {
+    QImage image(8, 6, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    return image;
+}
+
+// A column showing "Trip": Flights, Hotels; the clipboard is emptied after each test.
+class ListViewControllerPasteTest : public ColumnFixture {
+protected:
+    ListViewControllerPasteTest() {
+        trip = add(document.rootNode(), "Trip");
+        add(trip, "Flights");
+        add(trip, "Hotels");
+    }
+    ~ListViewControllerPasteTest() override { QGuiApplication::clipboard()->clear(); }
+
+    // The clipboard takes the data.
+    static void copy(QMimeData* data) { QGuiApplication::clipboard()->setMimeData(data); }
+
+    int rows() const { return column->tableView()->model()->rowCount(); }
+
+    NodePtr trip;
+};
+
+TEST_F(ListViewControllerPasteTest, APictureIsAddedAtTheEndOfTheColumnInOneUndoableStep) {
+    open(trip);
+    auto* data = new QMimeData;
+    data->setImageData(picture());
+    copy(data);
+
+    ASSERT_TRUE(column->canPaste());
+    EXPECT_TRUE(column->paste());
+
+    ASSERT_EQ(trip->children().size(), 3u);
+    EXPECT_TRUE(trip->children().back()->imageIdentifier().has_value());
+    EXPECT_EQ(rows(), 3);
+    undoManager.undo();
+    EXPECT_EQ(texts(trip), (std::vector<std::string>{"Flights", "Hotels"}));
+    EXPECT_EQ(rows(), 2);
+}
+
+TEST_F(ListViewControllerPasteTest, AnAddressBecomesTheLastNoteAndOpensInTheEditorLikeADrop) {
+    open(trip);
+    auto* data = new QMimeData;
+    data->setUrls({QUrl(QStringLiteral("https://example.org/page"))});
+    copy(data);
+
+    EXPECT_TRUE(column->paste());
+
+    EXPECT_EQ(texts(trip),
+              (std::vector<std::string>{"Flights", "Hotels", "https://example.org/page\n\n"}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return delegate.editor != nullptr; }));
+    EXPECT_EQ(delegate.editor->representedNode(), trip->children().back());
+}
+
+TEST_F(ListViewControllerPasteTest, NotesTextAndDisabledColumnsTakeNothing) {
+    const NodePtr flights = trip->children().front();
+    const std::vector<std::pair<const char*, std::function<QMimeData*()>>> refused = {
+        {"plain text",
+         [] {
+             auto* data = new QMimeData;
+             data->setText(QStringLiteral("just words"));
+             return data;
+         }},
+        {"a copied note",
+         [&] {
+             return ColumnDropHandler::mimeDataForNode(*flights);
+         }},
+        {"nothing",
+         [] {
+             return new QMimeData;
+         }},
+    };
+    open(trip);
+    for (const auto& [name, make] : refused) {
+        copy(make());
+        EXPECT_FALSE(column->canPaste()) << name;
+        EXPECT_FALSE(column->paste()) << name;
+    }
+
+    auto* data = new QMimeData;
+    data->setImageData(picture());
+    copy(data);
+    column->setColumnEnabled(false);
+    EXPECT_FALSE(column->canPaste());
+    EXPECT_FALSE(column->paste());
+
+    EXPECT_EQ(texts(trip), (std::vector<std::string>{"Flights", "Hotels"}));
+    QApplication::processEvents();
+    EXPECT_EQ(delegate.editor, nullptr);
+}
+
+} // namespace
+} // namespace quillery::testing
