@@ -45,6 +45,10 @@ struct TextStyleCase {
     MyFontTextStyle style;
     const std::string& (*family)();
     double pointSize;
+
+    friend void PrintTo(const TextStyleCase& c, std::ostream* out) {
+        *out << "style " << static_cast<int>(c.style) << ": " << c.family() << " " << c.pointSize;
+    }
 };
 
 class TextStyleFonts : public ::testing::TestWithParam<TextStyleCase> {};
@@ -89,6 +93,11 @@ struct LineTypeCase {
     std::string input;
     MyFontTextStyle textStyle;
     int slotStep;
+
+    friend void PrintTo(const LineTypeCase& c, std::ostream* out) {
+        *out << '"' << c.input << "\": style " << static_cast<int>(c.textStyle) << ", slot step "
+             << c.slotStep;
+    }
 };
 
 class LineTypePresentation : public RunPresentationTest,

@@ -9,6 +9,10 @@ struct MarkerRunCase {
     std::string run;
     std::string found;
     std::string escaped;
+
+    friend void PrintTo(const MarkerRunCase& c, std::ostream* out) {
+        *out << '"' << c.run << "\" -> \"" << c.found << "\" + escaped \"" << c.escaped << '"';
+    }
 };
 
 class MarkerRunSplitting : public ::testing::TestWithParam<MarkerRunCase> {};
