@@ -1,0 +1,197 @@
+#include "columns/ListViewControllerPrivate.h"
+
+#include "columns/CustomTableView.h"
+#include "columns/EditNodeViewController.h"
+#include "columns/HighlightableButton.h"
+#include "columns/ListViewControllerDelegate.h"
+#include "columns/NodeRowDelegate.h"
+
+#include <QLabel>
+#include <QScrollArea>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace quillery {
+
+namespace {
+
+const Identifier& deletedRootIdentifier() {
+    static const Identifier identifier("deleted");
+    return identifier;
+}
+
+} // namespace
+
+ListViewController::Private::Private(ListViewController* column, Document* doc)
+    : q(column)
+    , document(doc)
+    , model(new NodeListModel(doc, column))
+    , rows(new NodeRowDelegate(doc, column))
+    , tableView(new CustomTableView(column))
+    , noEntriesLabel(new QLabel(column))
+    , addNodeButton(new HighlightableButton(column)) {
+}
+
+void ListViewController::Private::updateUI() {
+    const NodePtr& node = model->representedNode();
+    noEntriesLabel->setVisible(!node || node->children().empty());
+}
+
+void ListViewController::Private::selectionDidChange() {
+    if (selectionHandlingSuspended)
+        return;
+    const int row = tableView->selectedRow();
+    if (isValidRow(row)) {
+        if (delegate)
+            delegate->listViewControllerDidSelectNode(*q, model->nodeAt(row));
+    } else if (delegate) {
+        delegate->listViewControllerDidClearSelectedNode(*q);
+    }
+    tableView->viewport()->update();
+}
+
+void ListViewController::Private::documentDidUpdate(const DocumentUpdate& update) {
+    if (!model->representedNode() || !updater)
+        return;
+    // The row operation may move or clear the selection; the navigation hears once, afterwards,
+    // and only when the selected note changed.
+    const NodePtr before = q->selectedNode();
+    selectionHandlingSuspended = true;
+    updater->apply(update);
+    selectionHandlingSuspended = false;
+    updateUI();
+    const NodePtr after = q->selectedNode();
+    if (before != after)
+        selectionDidChange();
+}
+
+bool ListViewController::Private::perform(ColumnCommand command) {
+    switch (command) {
+    case ColumnCommand::None:
+        return false;
+    case ColumnCommand::DeleteBackward:
+        deleteSelectedNode();
+        break;
+    case ColumnCommand::InsertNewline:
+        q->didTapEditNode();
+        break;
+    case ColumnCommand::MoveLeft:
+        if (delegate)
+            delegate->listViewControllerDidTapMoveLeft(*q);
+        break;
+    case ColumnCommand::MoveRight:
+        if (delegate)
+            delegate->listViewControllerDidTapMoveRight(*q);
+        break;
+    case ColumnCommand::MoveUp:
+        moveUp();
+        break;
+    case ColumnCommand::MoveDown:
+        moveDown();
+        break;
+    case ColumnCommand::QuickLook:
+        quickLookSelectedNode();
+        break;
+    case ColumnCommand::InsertText:
+        break;
+    }
+    return true;
+}
+
+// Text notes have nothing to show; Space on them is swallowed like other typing.
+void ListViewController::Private::quickLookSelectedNode() {
+    const NodePtr node = q->selectedNode();
+    if (node && node->imageIdentifier() && delegate)
+        delegate->listViewControllerDidDoubleClickNode(*q, node);
+}
+
+void ListViewController::Private::moveUp() {
+    if (!model->representedNode() || !addNodeButton->hasFocus() || rowCount() == 0)
+        return;
+    q->selectRow(rowCount() - 1);
+    tableView->setFocus(Qt::OtherFocusReason);
+}
+
+void ListViewController::Private::moveDown() {
+    if (!model->representedNode() || addNodeButton->hasFocus())
+        return;
+    tableView->selectionModel()->clearSelection();
+    addNodeButton->setFocus(Qt::OtherFocusReason);
+}
+
+void ListViewController::Private::deleteSelectedNode() {
+    const int row = tableView->selectedRow();
+    if (!model->representedNode() || !isValidRow(row))
+        return;
+    const NodePtr node = model->nodeAt(row);
+    if (!node || !document)
+        return;
+    if (!node->isEmpty() && prompts.confirmDelete && !prompts.confirmDelete(q))
+        return;
+    if (const NodePtr deleted = document->node(deletedRootIdentifier()))
+        document->userDidMove(*node, *deleted);
+}
+
+void ListViewController::Private::addNewNodeAtIndex(std::size_t index) {
+    const NodePtr& parent = model->representedNode();
+    if (!parent || temporaryNode)
+        return;
+    // The one edit that bypasses the document: the note sits among the children, unrecorded,
+    // until its editor is done; only then is it recorded, with its text.
+    temporaryNode = NotebookNode::create(parent->identifier(), std::string());
+    temporaryRowShown = false;
+    auto& children = parent->children();
+    children.insert(children.begin() +
+                        static_cast<std::ptrdiff_t>(std::min(index, children.size())),
+                    temporaryNode);
+    QTimer::singleShot(0, q, [this, node = temporaryNode] {
+        if (temporaryNode != node)
+            return;
+        const auto& current = model->representedNode()->children();
+        const auto found = std::find(current.begin(), current.end(), node);
+        if (found == current.end())
+            return;
+        const int row = static_cast<int>(found - current.begin());
+        model->insertRowAt(row);
+        temporaryRowShown = true;
+        tableView->scrollTo(model->index(row));
+        updateUI();
+        showEditNode(node);
+    });
+}
+
+std::size_t ListViewController::Private::removeTemporaryNode() {
+    auto& children = model->representedNode()->children();
+    const auto found = std::find(children.begin(), children.end(), temporaryNode);
+    const auto index = static_cast<std::size_t>(found - children.begin());
+    if (found != children.end()) {
+        children.erase(found);
+        if (temporaryRowShown)
+            model->removeRowAt(static_cast<int>(index));
+    }
+    temporaryNode.reset();
+    temporaryRowShown = false;
+    return std::min(index, children.size());
+}
+
+void ListViewController::Private::showEditNode(const NodePtr& node) {
+    // Parented to the column until the navigation places it.
+    auto* editor = new EditNodeViewController(q);
+    editor->hide();
+    editor->setRepresentedNode(node);
+    editor->setDelegate(q);
+    if (delegate)
+        delegate->listViewControllerWantsToPresentViewController(*q, editor);
+}
+
+void ListViewController::Private::scrollIntoView() {
+    for (QWidget* widget = q->parentWidget(); widget; widget = widget->parentWidget()) {
+        if (auto* area = qobject_cast<QScrollArea*>(widget)) {
+            area->ensureWidgetVisible(q, 0, 0);
+            return;
+        }
+    }
+}
+
+} // namespace quillery
