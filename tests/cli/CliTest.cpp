@@ -130,6 +130,8 @@ struct BadUsage {
     const char* name;
     std::vector<std::string> arguments;
     const char* messagePart;
+
+    friend void PrintTo(const BadUsage& c, std::ostream* out) { *out << c.name; }
 };
 
 class CliUsageTest : public CliTest, public ::testing::WithParamInterface<BadUsage> {};

@@ -61,6 +61,8 @@ struct EscapingCase {
     const char* name;
     std::string input;
     std::vector<std::string> texts; // the text or link of each element that has one, in order
+
+    friend void PrintTo(const EscapingCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class StyleCommandEscaping : public ::testing::TestWithParam<EscapingCase> {};

@@ -118,6 +118,10 @@ struct OwnColumnCase {
     int row;
     DropPosition position;
     Qt::DropAction expected;
+
+    friend void PrintTo(const OwnColumnCase& c, std::ostream* out) {
+        *out << (c.position == DropPosition::On ? "on row " : "above row ") << c.row;
+    }
 };
 
 class OwnColumnDropValidation : public DropFixture,
@@ -301,6 +305,8 @@ struct PictureFileCase {
     const char* name;
     const char* format;
     const char* expectedExtension;
+
+    friend void PrintTo(const PictureFileCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class PictureFileDrop : public FileDropFixture,

@@ -15,6 +15,8 @@ struct LookCase {
     QColor HighlightableButtonColors::*background;
     QColor HighlightableButtonColors::*border; // null: transparent
     QColor HighlightableButtonColors::*title;
+
+    friend void PrintTo(const LookCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class ButtonColourTable : public ::testing::TestWithParam<LookCase> {};

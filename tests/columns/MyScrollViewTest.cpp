@@ -14,6 +14,10 @@ namespace {
 struct Motion {
     QPoint delta;
     bool sideways;
+
+    friend void PrintTo(const Motion& c, std::ostream* out) {
+        *out << "(" << c.delta.x() << ", " << c.delta.y() << ")";
+    }
 };
 
 class SidewaysMotion : public ::testing::TestWithParam<Motion> {};

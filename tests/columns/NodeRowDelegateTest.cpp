@@ -156,6 +156,8 @@ struct CountPalette {
     QColor base;
     QColor text;
     bool dimmed;
+
+    friend void PrintTo(const CountPalette& c, std::ostream* out) { *out << c.name; }
 };
 
 double luminance(const QColor& color) {

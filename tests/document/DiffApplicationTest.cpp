@@ -166,6 +166,8 @@ struct ReorderCase {
     std::size_t oldIndex;
     std::size_t newIndex;
     bool siblingMissing;
+
+    friend void PrintTo(const ReorderCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class Reorder : public DiffApplication, public testing::WithParamInterface<ReorderCase> {

@@ -122,6 +122,8 @@ struct EditKind {
     const char* actionName;
     NodeUpdateType announced;
     NodeUpdateType announcedOnUndo;
+
+    friend void PrintTo(const EditKind& c, std::ostream* out) { *out << c.name; }
 };
 
 class UndoRedo : public Editing, public testing::WithParamInterface<EditKind> {

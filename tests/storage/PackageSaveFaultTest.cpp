@@ -15,12 +15,15 @@ enum class SaveKind { inPlace, toNewLocation, overOtherPackage };
 struct FaultCase {
     SaveKind kind;
     bool crash;
+
+    friend void PrintTo(const FaultCase& c, std::ostream* out) {
+        const char* kinds[] = {"InPlace", "ToNewLocation", "OverOtherPackage"};
+        *out << kinds[static_cast<int>(c.kind)] << (c.crash ? "Crashing" : "Failing");
+    }
 };
 
 std::string caseName(const ::testing::TestParamInfo<FaultCase>& info) {
-    const char* kinds[] = {"InPlace", "ToNewLocation", "OverOtherPackage"};
-    return std::string(kinds[static_cast<int>(info.param.kind)]) +
-           (info.param.crash ? "Crashing" : "Failing");
+    return ::testing::PrintToString(info.param);
 }
 
 // A save that stops at any step leaves a package that opens with the old or the new content,
