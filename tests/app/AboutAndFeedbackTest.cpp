@@ -1,3 +1,4 @@
+#include "QtPrinters.h"
 #include "app/AboutViewController.h"
 #include "app/AppDelegate.h"
 #include "app/AppInfo.h"
@@ -12,14 +13,7 @@
 #include <QUrlQuery>
 
 #include <gtest/gtest.h>
-#include <ostream>
 #include <vector>
-
-QT_BEGIN_NAMESPACE
-inline void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
-QT_END_NAMESPACE
 
 namespace quillery {
 namespace {

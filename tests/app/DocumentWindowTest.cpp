@@ -1,3 +1,4 @@
+#include "QtPrinters.h"
 #include "app/AppDelegate.h"
 #include "app/AppFixture.h"
 

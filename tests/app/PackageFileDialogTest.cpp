@@ -1,5 +1,7 @@
 #include "app/PackageFileDialog.h"
 
+#include "QtPrinters.h"
+
 #include <QDir>
 #include <QTemporaryDir>
 

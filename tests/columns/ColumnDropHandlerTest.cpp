@@ -1,5 +1,6 @@
 #include "columns/ColumnDropHandler.h"
 
+#include "QtPrinters.h"
 #include "columns/QtPicture.h"
 #include "document/Diagnostics.h"
 #include "document/Document.h"

@@ -1,5 +1,6 @@
 #include "columns/EditNodeViewController.h"
 
+#include "QtPrinters.h"
 #include "columns/EditNodeViewControllerDelegate.h"
 #include "markdown/Styles.h"
 

@@ -1,5 +1,7 @@
 #include "columns/HighlightableButton.h"
 
+#include "QtPrinters.h"
+
 #include <QApplication>
 #include <QSignalSpy>
 #include <QTest>

@@ -1,5 +1,7 @@
 #include "columns/ImageAndDataFromPasteBoard.h"
 
+#include "QtPrinters.h"
+
 #include <QBuffer>
 #include <QMimeData>
 

@@ -1,5 +1,6 @@
 #include "columns/ImageDetailViewController.h"
 
+#include "QtPrinters.h"
 #include "columns/ImageDetailViewControllerDelegate.h"
 #include "columns/ZoomableImageView.h"
 

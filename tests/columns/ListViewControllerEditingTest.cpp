@@ -1,4 +1,5 @@
 #include "ColumnTestSupport.h"
+#include "QtPrinters.h"
 
 #include <QLabel>
 

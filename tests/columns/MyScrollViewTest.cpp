@@ -1,5 +1,7 @@
 #include "navigation/MyScrollView.h"
 
+#include "QtPrinters.h"
+
 #include <QApplication>
 #include <QScrollBar>
 #include <QStringListModel>

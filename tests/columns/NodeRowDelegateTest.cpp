@@ -1,6 +1,7 @@
 #include "columns/NodeRowDelegate.h"
 
 #include "ColumnTestSupport.h"
+#include "QtPrinters.h"
 #include "columns/ColumnDropHandler.h"
 #include "columns/ColumnStyle.h"
 #include "columns/NodeListModel.h"
