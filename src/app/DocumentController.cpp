@@ -120,6 +120,7 @@ DocumentWindow* DocumentController::openDocument(const std::filesystem::path& lo
     for (DocumentWindow* open : unused) {
         open->close();
     }
+    rememberOpenNotebooks();
     return window;
 }
 
@@ -127,6 +128,17 @@ void DocumentController::openWithDialog(QWidget* dialogParent) {
     if (auto location = m_prompts.chooseDocumentToOpen(dialogParent)) {
         openDocument(*location, dialogParent);
     }
+}
+
+std::size_t DocumentController::restoreSession() {
+    for (const QString& path : m_session.openNotebooks()) {
+        std::error_code error;
+        if (std::filesystem::is_directory(path.toStdString(), error)) {
+            openDocument(path.toStdString());
+        }
+    }
+    rememberOpenNotebooks();
+    return m_windows.size();
 }
 
 bool DocumentController::closeAll() {
@@ -140,17 +152,60 @@ bool DocumentController::closeAll() {
 }
 
 void DocumentController::quit() {
-    if (closeAll()) {
+    rememberOpenNotebooks();
+    m_quitting = true;
+    const bool closed = closeAll();
+    m_quitting = false;
+    if (closed) {
         QCoreApplication::quit();
+    } else {
+        // The user kept a notebook, so the app goes on with fewer windows than it had.
+        rememberOpenNotebooks();
+    }
+}
+
+void DocumentController::rememberOpenNotebooks(const DocumentWindow* closing) {
+    QStringList paths;
+    for (const DocumentWindow* window : m_windows) {
+        const auto& location = window->document().fileLocation();
+        // A closed window is hidden at once but goes only when the event loop next runs.
+        if (window != closing && window->isVisible() && location) {
+            paths.append(qtPath(*location));
+        }
+    }
+    m_session.setOpenNotebooks(paths);
+}
+
+void DocumentController::windowWillClose(const DocumentWindow& window) {
+    m_session.setLastWindowSize(window.normalGeometry().size());
+    if (const auto& location = window.document().fileLocation()) {
+        m_session.setWindowGeometry(qtPath(*location), window.saveGeometry());
+    }
+    const bool othersStay = std::ranges::any_of(m_windows, [&window](const DocumentWindow* other) {
+        return other != &window && other->isVisible();
+    });
+    if (!m_quitting && othersStay) {
+        rememberOpenNotebooks(&window);
     }
 }
 
 DocumentWindow* DocumentController::addWindow(std::unique_ptr<Document> document,
                                               const QString& untitledName) {
     auto* window = new DocumentWindow(*this, std::move(document), untitledName);
+    placeWindow(*window);
     m_windows.push_back(window);
     connect(window, &QObject::destroyed, this, [this, window] { std::erase(m_windows, window); });
     return window;
+}
+
+void DocumentController::placeWindow(DocumentWindow& window) const {
+    const auto& location = window.document().fileLocation();
+    if (location && window.restoreGeometry(m_session.windowGeometry(qtPath(*location)))) {
+        return;
+    }
+    if (const QSize size = m_session.lastWindowSize(); size.isValid()) {
+        window.resize(size);
+    }
 }
 
 DocumentWindow* DocumentController::windowFor(const std::filesystem::path& location) const {

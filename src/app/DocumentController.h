@@ -1,10 +1,12 @@
 #pragma once
 
 #include "app/RecentDocuments.h"
+#include "app/SessionState.h"
 #include "storage/StorageError.h"
 
 #include <QObject>
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -22,8 +24,9 @@ class PictureCodec;
 class Preferences;
 
 // Owns the open notebooks: one DocumentWindow each, which owns its document. Makes new
-// notebooks, opens packages (at most one window per package), keeps the recent list, and closes
-// everything on quit, asking about unsaved changes window by window.
+// notebooks, opens packages (at most one window per package), keeps the recent list and the
+// session (which notebooks are open, where their windows are), and closes everything on quit,
+// asking about unsaved changes window by window.
 class DocumentController : public QObject {
     Q_OBJECT
 
@@ -40,6 +43,9 @@ public:
     DocumentWindow* openDocument(const std::filesystem::path& location,
                                  QWidget* dialogParent = nullptr);
     void openWithDialog(QWidget* dialogParent);
+    // Opens the notebooks that were open when the app last ended, passing over those that are
+    // gone; returns how many windows are open then.
+    std::size_t restoreSession();
     // Closes every window; stops, returning false, at the first one the user keeps open.
     bool closeAll();
     void quit();
@@ -47,6 +53,14 @@ public:
     const std::vector<DocumentWindow*>& windows() const { return m_windows; }
     DocumentPrompts& prompts() const { return m_prompts; }
     RecentDocuments& recentDocuments() { return m_recentDocuments; }
+    SessionState& session() { return m_session; }
+    // Records the notebooks of the windows shown now, but for the one closing, as those to bring
+    // back at the next start.
+    void rememberOpenNotebooks(const DocumentWindow* closing = nullptr);
+    // Called by a window whose close goes ahead: keeps where it was, and whether to bring its
+    // notebook back. Closing the last window ends the app, so its notebook comes back with the
+    // rest; a window closed while others stay open is gone for good.
+    void windowWillClose(const DocumentWindow& window);
     // The Help menu's commands; without a delegate they are disabled. Set before any window.
     AppDelegate* appDelegate() const { return m_appDelegate; }
     void setAppDelegate(AppDelegate* delegate) { m_appDelegate = delegate; }
@@ -62,11 +76,15 @@ public:
 private:
     DocumentWindow* addWindow(std::unique_ptr<Document> document, const QString& untitledName);
     DocumentWindow* windowFor(const std::filesystem::path& location) const;
+    // At the notebook's own place when one is kept, else at the size of the last window closed.
+    void placeWindow(DocumentWindow& window) const;
 
     Preferences& m_preferences;
     const PictureCodec& m_codec;
     DocumentPrompts& m_prompts;
     RecentDocuments m_recentDocuments;
+    SessionState m_session;
+    bool m_quitting = false;
     AppDelegate* m_appDelegate = nullptr;
     std::vector<DocumentWindow*> m_windows;
     int m_untitledCount = 0;

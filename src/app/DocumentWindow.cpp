@@ -97,6 +97,7 @@ bool DocumentWindow::saveAs() {
     m_document->markSaved();
     m_autosaveFailed = false;
     m_controller.recentDocuments().note(qtPath(*m_document->fileLocation()));
+    m_controller.rememberOpenNotebooks();
     updateTitle();
     updateActions();
     return true;
@@ -135,6 +136,7 @@ void DocumentWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     m_autosaveTimer.stop();
+    m_controller.windowWillClose(*this);
     event->accept();
 }
 

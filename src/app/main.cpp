@@ -9,8 +9,9 @@
 #include <QCommandLineParser>
 #include <QIcon>
 
-// quillery [PACKAGE…]: opens each notebook package in its own window, or a new untitled notebook
-// when none is given. Exits with an error when every package given failed to open.
+// quillery [PACKAGE…]: opens each notebook package in its own window. Without packages it brings
+// back the notebooks open when it last ended, or a new untitled notebook when there are none.
+// Exits with an error when every package given failed to open.
 int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
     Q_INIT_RESOURCE(resources);
@@ -44,7 +45,7 @@ int main(int argc, char* argv[]) {
     for (const QString& package : packages) {
         controller.openDocument(package.toStdString());
     }
-    if (packages.isEmpty()) {
+    if (packages.isEmpty() && controller.restoreSession() == 0) {
         controller.newDocument();
     }
     if (controller.windows().empty()) {

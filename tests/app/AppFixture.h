@@ -22,8 +22,11 @@ namespace quillery {
 // A document controller with scripted prompts, and packages made on disk with the core.
 class AppFixture : public ::testing::Test {
 protected:
-    // The recent list lives in the settings, which the tests of one run share.
-    AppFixture() { controller.recentDocuments().clear(); }
+    // The recent list and the session live in the settings, which the tests of one run share.
+    AppFixture() {
+        controller.recentDocuments().clear();
+        controller.session().clear();
+    }
 
     std::filesystem::path path(const std::string& name) const {
         return std::filesystem::path(m_directory.path().toStdString()) / name;

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QByteArray>
+#include <QSize>
+#include <QStringList>
+
+#include <cstddef>
+#include <vector>
+
+namespace quillery {
+
+// What the app brings back at start, kept in the app's settings: the notebooks that were open
+// when it last ended, where each notebook's window was, and the size of the last window closed
+// (for windows that have no place of their own yet).
+class SessionState {
+public:
+    // Notebooks whose window places are kept; older ones make way.
+    static constexpr std::size_t kMaximumPlaces = 20;
+
+    QStringList openNotebooks() const;
+    void setOpenNotebooks(const QStringList& paths);
+
+    // The window geometry (as QWidget::saveGeometry() gives it) last seen for the notebook;
+    // empty when there is none.
+    QByteArray windowGeometry(const QString& path) const;
+    void setWindowGeometry(const QString& path, const QByteArray& geometry);
+
+    // Invalid when no window was ever closed.
+    QSize lastWindowSize() const;
+    void setLastWindowSize(QSize size);
+
+    void clear();
+
+private:
+    struct Place {
+        QString path;
+        QByteArray geometry;
+    };
+    static std::vector<Place> readPlaces();
+};
+
+} // namespace quillery

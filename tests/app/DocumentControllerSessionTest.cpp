@@ -1,0 +1,108 @@
+#include "QtPrinters.h"
+#include "app/AppFixture.h"
+
+#include <QPointer>
+#include <QTest>
+
+namespace quillery {
+namespace {
+
+// What a start brings back of the windows open when the app last ended.
+class DocumentControllerSessionTest : public AppFixture {
+protected:
+    // The app started again: a new controller over the same settings.
+    std::unique_ptr<DocumentController> restart() {
+        return std::make_unique<DocumentController>(preferences, codec, prompts);
+    }
+
+    static std::vector<std::filesystem::path> locations(const DocumentController& started) {
+        std::vector<std::filesystem::path> open;
+        for (const DocumentWindow* window : started.windows())
+            open.push_back(window->document().fileLocation().value_or(""));
+        return open;
+    }
+};
+
+TEST_F(DocumentControllerSessionTest, QuittingBringsTheOpenNotebooksBackInOrderButNotUntitledOnes) {
+    const auto trip = makePackage("Trip.quillery", {"Flights"});
+    const auto home = makePackage("Home.quillery", {"Roof"});
+    controller.openDocument(trip);
+    controller.openDocument(home);
+    controller.newDocument();
+
+    controller.quit();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return controller.windows().empty(); }));
+
+    auto started = restart();
+    EXPECT_EQ(started->restoreSession(), 2u);
+    EXPECT_EQ(locations(*started), (std::vector{trip, home}));
+}
+
+TEST_F(DocumentControllerSessionTest, AWindowClosedWhileOthersStayIsGoneButTheLastOneComesBack) {
+    const auto trip = makePackage("Trip.quillery", {"Flights"});
+    const auto home = makePackage("Home.quillery", {"Roof"});
+    DocumentWindow* first = controller.openDocument(trip);
+    DocumentWindow* second = controller.openDocument(home);
+    first->close();
+    EXPECT_EQ(controller.session().openNotebooks(),
+              QStringList{QString::fromStdString(home.string())});
+    second->close();
+
+    auto started = restart();
+    EXPECT_EQ(started->restoreSession(), 1u);
+    EXPECT_EQ(locations(*started), std::vector{home});
+}
+
+TEST_F(DocumentControllerSessionTest, AQuitTheUserStopsKeepsOnlyTheWindowsStillOpen) {
+    controller.openDocument(makePackage("Trip.quillery", {"Flights"}));
+    addNote(*controller.newDocument(), "unsaved");
+    prompts.saveChoice = DocumentPrompts::SaveChoice::Cancel;
+
+    controller.quit();
+
+    EXPECT_TRUE(controller.session().openNotebooks().isEmpty());
+}
+
+TEST_F(DocumentControllerSessionTest, NotebooksGoneSinceAreSkippedWithoutAWord) {
+    const auto trip = makePackage("Trip.quillery", {"Flights"});
+    const auto home = makePackage("Home.quillery", {"Roof"});
+    controller.session().setOpenNotebooks(
+        {QString::fromStdString(trip.string()), QString::fromStdString(home.string())});
+    std::filesystem::remove_all(trip);
+
+    EXPECT_EQ(controller.restoreSession(), 1u);
+    EXPECT_EQ(locations(controller), std::vector{home});
+    EXPECT_TRUE(prompts.warnings.empty());
+    EXPECT_EQ(controller.session().openNotebooks(),
+              QStringList{QString::fromStdString(home.string())});
+}
+
+TEST_F(DocumentControllerSessionTest, ANotebookSavedUnderANewNameComesBackUnderIt) {
+    DocumentWindow* window = controller.newDocument();
+    addNote(*window, "draft");
+    prompts.saveLocation = path("Draft.quillery");
+
+    ASSERT_TRUE(window->saveAs());
+
+    EXPECT_EQ(controller.session().openNotebooks(),
+              QStringList{QString::fromStdString(path("Draft.quillery").string())});
+}
+
+TEST_F(DocumentControllerSessionTest, ANotebookOpensWhereItsWindowWasAndNewWindowsTakeTheLastSize) {
+    const auto trip = makePackage("Trip.quillery", {"Flights"});
+    DocumentWindow* window = controller.openDocument(trip);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    const QRect place(40, 60, 700, 500);
+    window->setGeometry(place);
+    window->close();
+
+    DocumentWindow* reopened = controller.openDocument(trip);
+    EXPECT_EQ(reopened->geometry(), place);
+    reopened->resize(900, 400);
+    reopened->close();
+
+    EXPECT_EQ(controller.newDocument()->size(), QSize(900, 400));
+}
+
+} // namespace
+} // namespace quillery
