@@ -165,6 +165,8 @@ private:
     ObserverId m_nextObserverId = 1;
     int m_announcing = 0; // nesting depth of announce(); removals wait until it is back to 0
     bool m_lastEditJournaled = false;
+    // Counts records that took nodes out of the tree for good, which may free them.
+    std::uint64_t m_removals = 0;
 };
 
 } // namespace quillery

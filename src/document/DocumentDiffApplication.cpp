@@ -56,6 +56,18 @@ NodePtr takeChild(NotebookNode& parent, std::size_t index) {
     return child;
 }
 
+// Takes the target's entry out of the parent's children for good. The entry may be an older node
+// of the target's identifier that was indexed over since; that one leaves the tree, and its
+// children no longer stand under a node of it. Returns whether that happened.
+bool dropChild(NotebookNode& parent, std::size_t index, const NotebookNode& target) {
+    const NodePtr dropped = takeChild(parent, index);
+    if (dropped.get() == &target)
+        return false;
+    for (const NodePtr& child : dropped->children())
+        child->setParentNode(nullptr);
+    return true;
+}
+
 } // namespace
 
 // What a change record did to positions, gathered over its keys.
@@ -115,8 +127,9 @@ std::optional<DocumentUpdate> Document::applyDestroy(const NodePtr& target) {
     std::optional<std::size_t> index =
         parent ? indexOfChild(*parent, target->identifier(), target.get()) : std::nullopt;
     if (index)
-        takeChild(*parent, *index);
+        dropChild(*parent, *index, *target);
     m_nodeLookup.erase(target->identifier());
+    ++m_removals;
     // Its children stay with it but no longer stand under an indexed node.
     for (const NodePtr& child : target->children())
         child->setParentNode(nullptr);
@@ -216,18 +229,17 @@ void Document::reparent(const NodePtr& target, const PlainValue& value,
         diagnostics::writeLine(kCouldNotFindParent);
         return;
     }
-    // A note without children can only be moved into itself.
-    const bool intoItself = target->children().empty()
-                                ? destination->identifier() == target->identifier()
-                                : liesWithin(*destination, target->identifier());
-    if (intoItself) {
+    // Walked up even for a note without children: notes left behind when an earlier node of its
+    // identifier was destroyed still name it as their parent.
+    if (liesWithin(*destination, target->identifier())) {
         diagnostics::writeLine("Refusing to move a note into itself.");
         return;
     }
     if (NotebookNode* source = parentOf(*target)) {
         outcome.oldParent = source->identifier();
         if (auto index = indexOfChild(*source, target->identifier(), target.get())) {
-            takeChild(*source, *index);
+            if (dropChild(*source, *index, *target))
+                ++m_removals;
             outcome.oldIndex = index;
         }
     }

@@ -31,9 +31,9 @@ void Document::loadData(std::vector<DocumentDiff> mergedDiffs,
     ReplayLookahead lookahead(m_nodeLookup, mergedDiffs);
     for (std::size_t i = 0; i < mergedDiffs.size(); ++i) {
         lookahead.advance(i);
-        const std::size_t indexed = m_nodeLookup.size();
+        const std::uint64_t removals = m_removals;
         applyDiff(mergedDiffs[i], false);
-        if (m_nodeLookup.size() < indexed)
+        if (m_removals != removals)
             lookahead.forgetFoundNodes();
         // The list is the replay's own, so each payload can go once applied: the memory of an
         // open then peaks near the larger of the records and the tree, not near their sum.

@@ -21,7 +21,7 @@ public:
 
     // Called before the record at `at` is applied.
     void advance(std::size_t at);
-    // Called after a record took a node out of the index: the nodes found ahead may be gone.
+    // Called after a record took nodes out of the tree: the nodes found ahead may be gone.
     void forgetFoundNodes();
 
 private:

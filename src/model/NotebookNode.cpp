@@ -13,6 +13,12 @@ NotebookNode::NotebookNode(Identifier identifier, Identifier parentIdentifier, s
     , m_url(std::move(url)) {
 }
 
+NotebookNode::~NotebookNode() {
+    for (const NodePtr& child : m_children)
+        if (child->m_parentNode == this)
+            child->m_parentNode = nullptr;
+}
+
 NodePtr NotebookNode::create(Identifier parentIdentifier, std::string text,
                              std::optional<Identifier> imageIdentifier,
                              std::optional<std::string> url) {

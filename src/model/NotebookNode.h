@@ -22,6 +22,10 @@ public:
     NotebookNode(Identifier identifier, Identifier parentIdentifier, std::string text,
                  std::optional<Identifier> imageIdentifier = std::nullopt,
                  std::vector<NodePtr> children = {}, std::optional<std::string> url = std::nullopt);
+    // Children that outlive the node stop pointing at it.
+    ~NotebookNode();
+    NotebookNode(const NotebookNode&) = delete;
+    NotebookNode& operator=(const NotebookNode&) = delete;
 
     // A new note with a fresh random identifier.
     static NodePtr create(Identifier parentIdentifier, std::string text,
@@ -44,7 +48,8 @@ public:
     std::vector<NodePtr>& children() { return m_children; }
 
     // The node whose children hold this one, set by the document engine while it keeps this node
-    // there (null otherwise), so that walking up a large tree needs no index lookups.
+    // there (null otherwise), so that walking up a large tree needs no index lookups. Never
+    // points at a node that is gone.
     NotebookNode* parentNode() const { return m_parentNode; }
     void setParentNode(NotebookNode* parent) { m_parentNode = parent; }
 

@@ -329,5 +329,38 @@ TEST_F(Ancestry, ANoteWhoseParentWasDestroyedAndCreatedAgainWalksUpTheNewParent)
     EXPECT_EQ(q->parentIdentifier(), Identifier("root"));
 }
 
+TEST_F(Ancestry, AChildlessNoteIsNotMovedUnderNotesItsEarlierSelfLeftBehind) {
+    NodePtr child = addNote(a, "child");
+    const Identifier aIdentifier = a->identifier();
+    apply(aIdentifier, {{"destroy", true}});
+    apply(aIdentifier, {{"text", "a again"}, {"parent", "root"}});
+    ASSERT_TRUE(m_document.node(aIdentifier)->children().empty());
+
+    apply(aIdentifier, {{"parent", child->identifier()}});
+
+    EXPECT_EQ(m_lines.back(), "Refusing to move a note into itself.");
+    EXPECT_EQ(m_document.node(aIdentifier)->parentIdentifier(), Identifier("root"));
+}
+
+// A node indexed over by another of the same identifier stays in its parent's children until a
+// record about the identifier takes it out; its children must not be left pointing at it. Run
+// under AddressSanitizer, a stale pointer here is a use after free.
+TEST_F(Ancestry, ANodeIndexedOverLeavesNoStaleParentBehindWhenItGoes) {
+    NodePtr grandchild = addNote(addNote(a, "child"), "grandchild");
+    const Identifier childIdentifier = grandchild->parentIdentifier();
+    m_document.addLookup(std::make_shared<NotebookNode>(childIdentifier, a->identifier(), "new"));
+
+    apply(childIdentifier, {{"parent", "root"}});
+    EXPECT_FALSE(m_document.isNode(*a, *grandchild));
+    EXPECT_TRUE(m_document.isNode(*m_document.node(childIdentifier), *grandchild));
+
+    m_document.addLookup(std::make_shared<NotebookNode>(a->identifier(), p->identifier(), "a2"));
+    m_document.loadData({DocumentDiff(m_time, a->identifier(), {{"parent", "root"}}),
+                         DocumentDiff(m_time, grandchild->identifier(), {{"text", "g"}}),
+                         DocumentDiff(m_time, b->identifier(), {{"parent", a->identifier()}})},
+                        {});
+    EXPECT_EQ(grandchild->text(), "g");
+}
+
 } // namespace
 } // namespace quillery
