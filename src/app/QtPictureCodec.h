@@ -10,10 +10,7 @@ class QtPictureCodec : public PictureCodec {
 public:
     QtPictureCodec();
 
-    // Pictures larger than kMaxSide on a side are decoded scaled down to it: nothing shows
-    // them larger, and a 20000-pixel photo would otherwise hold 1.6 GB.
-    static constexpr int kMaxSide = 4096;
-
+    // Pictures larger than kMaxShownPictureSide on a side are decoded scaled down to it.
     PicturePtr decode(std::span<const std::uint8_t> bytes) const override;
     PicturePtr placeholder() const override { return m_placeholder; }
 

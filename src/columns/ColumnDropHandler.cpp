@@ -1,11 +1,14 @@
 #include "columns/ColumnDropHandler.h"
 
+#include "columns/DecodePicture.h"
 #include "columns/ImageAndDataFromPasteBoard.h"
 #include "columns/QtPicture.h"
 #include "document/Diagnostics.h"
 #include "document/Document.h"
 
+#include <QBuffer>
 #include <QFile>
+#include <QImageReader>
 #include <QMimeData>
 #include <QStringDecoder>
 #include <QUrl>
@@ -132,17 +135,22 @@ std::optional<Place> pictureDropPlace(const NodePtr& representedNode, int row,
     return Place{representedNode, row};
 }
 
-// A picture file keeps its bytes; the extension comes from its address, else from what the
-// picture can be written as.
-QString fileExtensionForPictureFile(const QUrl& url, const QImage& image) {
+// A picture file keeps its bytes, and an extension that names their format: from its address
+// when that names PNG or JPEG, else from the bytes themselves, so a TIFF or GIF file is never
+// stored under a name that claims another format.
+QString fileExtensionForPictureFile(const QUrl& url, const QByteArray& bytes) {
     const QString address = url.toString(QUrl::FullyEncoded).toLower();
     if (address.contains(QStringLiteral(".png")))
         return QStringLiteral("png");
     if (address.contains(QStringLiteral(".jpeg")) || address.contains(QStringLiteral(".jpg")))
         return QStringLiteral("jpg");
-    if (auto encoded = EncodedPicture(image))
-        return encoded->fileExtension;
-    return QStringLiteral("tiff");
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    const QString format = QString::fromLatin1(QImageReader::imageFormat(&buffer)).toLower();
+    if (format == QStringLiteral("jpeg"))
+        return QStringLiteral("jpg");
+    return format.isEmpty() ? QStringLiteral("tiff") : format;
 }
 
 } // namespace
@@ -220,7 +228,7 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
                 if (!place)
                     return {};
                 addNode(*place->parent, image, bytes, std::nullopt,
-                        fileExtensionForPictureFile(*address, image), place->index);
+                        fileExtensionForPictureFile(*address, bytes), place->index);
                 return {true, nullptr};
             }
         }

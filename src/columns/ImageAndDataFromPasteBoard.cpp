@@ -1,9 +1,12 @@
 #include "columns/ImageAndDataFromPasteBoard.h"
 
+#include "columns/DecodePicture.h"
+
 #include <QBuffer>
 #include <QImageReader>
 #include <QImageWriter>
 #include <QMimeData>
+#include <QPainter>
 
 namespace quillery {
 
@@ -23,6 +26,31 @@ std::optional<QByteArray> encode(const QImage& image, const char* format) {
     return bytes;
 }
 
+QImage onWhite(const QImage& image) {
+    if (!image.hasAlphaChannel())
+        return image;
+    QImage flat(image.size(), QImage::Format_RGB32);
+    flat.fill(Qt::white);
+    QPainter painter(&flat);
+    painter.drawImage(0, 0, image);
+    return flat;
+}
+
+// The picture encoded in the first of JPEG, PNG and TIFF that works, with its extension and the
+// picture scaled down to the size shown; none when no encoder works (for example a null image).
+// JPEG has no transparency, so transparent parts are laid on white rather than turning black.
+std::optional<PasteboardPicture> EncodedPicture(const QImage& image) {
+    if (image.isNull())
+        return std::nullopt;
+    if (auto jpeg = encode(onWhite(image), "jpeg"))
+        return PasteboardPicture{ShownPicture(image), *jpeg, QStringLiteral("jpg")};
+    if (auto png = encode(image, "png"))
+        return PasteboardPicture{ShownPicture(image), *png, QStringLiteral("png")};
+    if (auto tiff = encode(image, "tiff"))
+        return PasteboardPicture{ShownPicture(image), *tiff, QStringLiteral("tiff")};
+    return std::nullopt;
+}
+
 } // namespace
 
 QStringList PictureMimeTypes(const QMimeData& data) {
@@ -40,29 +68,8 @@ QStringList PictureMimeTypes(const QMimeData& data) {
     return types;
 }
 
-QImage DecodePicture(const QByteArray& bytes) {
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer);
-    reader.setAutoTransform(true);
-    return reader.read();
-}
-
 bool HasPictureType(const QMimeData& data) {
     return !PictureMimeTypes(data).isEmpty();
-}
-
-std::optional<PasteboardPicture> EncodedPicture(const QImage& image) {
-    if (image.isNull())
-        return std::nullopt;
-    if (auto jpeg = encode(image, "jpeg"))
-        return PasteboardPicture{image, *jpeg, QStringLiteral("jpg")};
-    if (auto png = encode(image, "png"))
-        return PasteboardPicture{image, *png, QStringLiteral("png")};
-    if (auto tiff = encode(image, "tiff"))
-        return PasteboardPicture{image, *tiff, QStringLiteral("tiff")};
-    return std::nullopt;
 }
 
 std::optional<PasteboardPicture> ImageAndDataFromPasteBoard(const QMimeData& data) {
@@ -74,7 +81,7 @@ std::optional<PasteboardPicture> ImageAndDataFromPasteBoard(const QMimeData& dat
         } else {
             original = data.data(type);
             if (!original.isEmpty())
-                image = DecodePicture(original);
+                image = DecodePicture(original, PictureSize::Full);
         }
         if (image.isNull())
             continue;
@@ -82,7 +89,7 @@ std::optional<PasteboardPicture> ImageAndDataFromPasteBoard(const QMimeData& dat
             return encoded;
         // No encoder took it: keep the bytes as they came, if there are any.
         if (!original.isEmpty())
-            return PasteboardPicture{image, original, QStringLiteral("tiff")};
+            return PasteboardPicture{ShownPicture(image), original, QStringLiteral("tiff")};
     }
     return std::nullopt;
 }

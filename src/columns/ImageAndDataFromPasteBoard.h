@@ -11,8 +11,8 @@ class QMimeData;
 
 namespace quillery {
 
-// A picture taken from dropped or pasted data: the decoded picture, the bytes to store and the
-// file extension ("jpg", "png" or "tiff") to store them under.
+// A picture taken from dropped or pasted data: the decoded picture (at most the size shown), the
+// bytes to store and the file extension ("jpg", "png" or "tiff") to store them under.
 struct PasteboardPicture {
     QImage image;
     QByteArray imageData;
@@ -27,16 +27,9 @@ QStringList PictureMimeTypes(const QMimeData& data);
 // True when the data offers a picture in any of the types above (nothing is decoded).
 bool HasPictureType(const QMimeData& data);
 
-// The first picture that decodes, re-encoded as JPEG (else PNG, else TIFF), so a picture dragged
-// from another application is normally stored as JPEG. None when no type holds a picture.
+// The first picture that decodes, re-encoded at full size as JPEG (else PNG, else TIFF), so a
+// picture dragged from another application is normally stored as JPEG. None when no type holds a
+// picture.
 std::optional<PasteboardPicture> ImageAndDataFromPasteBoard(const QMimeData& data);
-
-// The picture the bytes hold, turned upright as its metadata says; a null image when they are not
-// a picture Qt can read.
-QImage DecodePicture(const QByteArray& bytes);
-
-// The picture encoded in the first of JPEG, PNG and TIFF that works, with its extension; none
-// when no encoder works (for example a null image).
-std::optional<PasteboardPicture> EncodedPicture(const QImage& image);
 
 } // namespace quillery

@@ -333,10 +333,11 @@ INSTANTIATE_TEST_SUITE_P(Extensions, PictureFileDrop,
                                            PictureFileCase{"Cat.PNG", "png", "png"},
                                            PictureFileCase{"photo.jpg", "jpeg", "jpg"},
                                            PictureFileCase{"photo.JPEG", "jpeg", "jpg"},
-                                           // Neither in the name: what the picture can be
-                                           // written as, JPEG first; the bytes stay TIFF.
-                                           PictureFileCase{"scan.tiff", "tiff", "jpg"},
-                                           PictureFileCase{"picture", "png", "jpg"}),
+                                           // Neither in the name: the format of the bytes.
+                                           PictureFileCase{"scan.tiff", "tiff", "tiff"},
+                                           PictureFileCase{"scan.tif", "tiff", "tiff"},
+                                           PictureFileCase{"picture", "png", "png"},
+                                           PictureFileCase{"photo.jfif", "jpeg", "jpg"}),
                          [](const auto& param) { return "Case" + std::to_string(param.index); });
 
 TEST_F(FileDropFixture, FileThatIsNotAPictureBecomesATextNoteWithItsAddress) {

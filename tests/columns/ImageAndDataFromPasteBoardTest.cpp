@@ -1,6 +1,7 @@
 #include "columns/ImageAndDataFromPasteBoard.h"
 
 #include "QtPrinters.h"
+#include "columns/DecodePicture.h"
 
 #include <QBuffer>
 #include <QMimeData>
@@ -67,6 +68,32 @@ TEST(ImageAndDataFromPasteBoard, TakesAnyPictureQtOffers) {
     bmp.setData(QStringLiteral("image/bmp"), encoded(picture(Qt::green), "bmp"));
     EXPECT_TRUE(HasPictureType(bmp));
     EXPECT_TRUE(ImageAndDataFromPasteBoard(bmp));
+}
+
+TEST(ImageAndDataFromPasteBoard, StoresTheFullPictureButKeepsTheShownSizeInMemory) {
+    QImage wide(kMaxShownPictureSide + 904, 10, QImage::Format_RGB32);
+    wide.fill(Qt::blue);
+    QMimeData data;
+    data.setImageData(wide);
+
+    const auto taken = ImageAndDataFromPasteBoard(data);
+
+    ASSERT_TRUE(taken);
+    EXPECT_EQ(taken->image.width(), kMaxShownPictureSide);
+    EXPECT_EQ(DecodePicture(taken->imageData, PictureSize::Full).width(), wide.width());
+}
+
+TEST(ImageAndDataFromPasteBoard, TransparentPartsOfAPictureStoredAsJpegAreWhite) {
+    QImage clear(8, 8, QImage::Format_ARGB32);
+    clear.fill(Qt::transparent);
+    QMimeData data;
+    data.setData(kPng, encoded(clear, "png"));
+
+    const auto taken = ImageAndDataFromPasteBoard(data);
+
+    ASSERT_TRUE(taken);
+    ASSERT_EQ(taken->fileExtension, QStringLiteral("jpg"));
+    EXPECT_GT(qGray(DecodePicture(taken->imageData).pixel(4, 4)), 250);
 }
 
 TEST(ImageAndDataFromPasteBoard, GivesNothingWithoutADecodablePicture) {
