@@ -13,6 +13,7 @@
 #include <QStringDecoder>
 #include <QUrl>
 
+#include <algorithm>
 #include <memory>
 
 namespace quillery {
@@ -153,6 +154,23 @@ QString fileExtensionForPictureFile(const QUrl& url, const QByteArray& bytes) {
     return format.isEmpty() ? QStringLiteral("tiff") : format;
 }
 
+// A web address copied as plain text, as browsers copy one from their address bar, offered as an
+// address. Only a lone http or https address counts, so ordinary text is still not pasted.
+std::unique_ptr<QMimeData> addressCopiedAsText(const QMimeData& data) {
+    if (data.hasUrls() || !data.hasText() || HasPictureType(data))
+        return nullptr;
+    const QString text = data.text().trimmed();
+    if (std::ranges::any_of(text, [](QChar c) { return c.isSpace(); }))
+        return nullptr;
+    const QUrl url(text, QUrl::StrictMode);
+    if (!url.isValid() || url.host().isEmpty() ||
+        (url.scheme() != QStringLiteral("http") && url.scheme() != QStringLiteral("https")))
+        return nullptr;
+    auto address = std::make_unique<QMimeData>();
+    address->setUrls({url});
+    return address;
+}
+
 } // namespace
 
 ColumnDropHandler::ColumnDropHandler(Document& document)
@@ -241,15 +259,20 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
 }
 
 bool ColumnDropHandler::canPaste(const NodePtr& representedNode, const QMimeData& data) const {
-    return representedNode && validateDrop(representedNode, data, rowCount(*representedNode),
-                                           DropPosition::Above) == Qt::CopyAction;
+    if (!representedNode)
+        return false;
+    const auto address = addressCopiedAsText(data);
+    return validateDrop(representedNode, address ? *address : data, rowCount(*representedNode),
+                        DropPosition::Above) == Qt::CopyAction;
 }
 
 ColumnDropHandler::Outcome ColumnDropHandler::paste(const NodePtr& representedNode,
                                                     const QMimeData& data) {
     if (!canPaste(representedNode, data))
         return {};
-    return acceptDrop(representedNode, data, rowCount(*representedNode), DropPosition::Above);
+    const auto address = addressCopiedAsText(data);
+    return acceptDrop(representedNode, address ? *address : data, rowCount(*representedNode),
+                      DropPosition::Above);
 }
 
 void ColumnDropHandler::addNode(const NotebookNode& toParent, const QImage& image,

@@ -47,7 +47,8 @@ public:
                        DropPosition position);
 
     // Edit > Paste into a column: a picture or an address on the clipboard does what dropping it
-    // after the column's last row does. Notes on the clipboard and plain text are not pasted.
+    // after the column's last row does; so does a lone web address copied as plain text. Notes on
+    // the clipboard and other plain text are not pasted.
     bool canPaste(const NodePtr& representedNode, const QMimeData& data) const;
     Outcome paste(const NodePtr& representedNode, const QMimeData& data);
 

@@ -65,6 +65,19 @@ TEST_F(ListViewControllerPasteTest, AnAddressBecomesTheLastNoteAndOpensInTheEdit
     EXPECT_EQ(delegate.editor->representedNode(), trip->children().back());
 }
 
+// What a browser puts on the clipboard when its address bar is copied.
+TEST_F(ListViewControllerPasteTest, AWebAddressCopiedAsTextIsPastedAsAnAddress) {
+    open(trip);
+    auto* data = new QMimeData;
+    data->setText(QStringLiteral("  https://example.org/a?b=c\n"));
+    copy(data);
+
+    EXPECT_TRUE(column->paste());
+
+    EXPECT_EQ(trip->children().back()->text(), "https://example.org/a?b=c\n\n");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return delegate.editor != nullptr; }));
+}
+
 TEST_F(ListViewControllerPasteTest, NotesTextAndDisabledColumnsTakeNothing) {
     const NodePtr flights = trip->children().front();
     const std::vector<std::pair<const char*, std::function<QMimeData*()>>> refused = {
@@ -72,6 +85,18 @@ TEST_F(ListViewControllerPasteTest, NotesTextAndDisabledColumnsTakeNothing) {
          [] {
              auto* data = new QMimeData;
              data->setText(QStringLiteral("just words"));
+             return data;
+         }},
+        {"text around an address",
+         [] {
+             auto* data = new QMimeData;
+             data->setText(QStringLiteral("see https://example.org"));
+             return data;
+         }},
+        {"an address that is not on the web",
+         [] {
+             auto* data = new QMimeData;
+             data->setText(QStringLiteral("file:///etc/passwd"));
              return data;
          }},
         {"a copied note",
