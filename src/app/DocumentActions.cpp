@@ -89,7 +89,7 @@ DocumentActions DocumentActions::create(QMainWindow& window) {
     actions.sendFeedback =
         addAction(help, trMenu("Send &Feedback…"), QStringLiteral("actionSendFeedback"));
     actions.followOnSocialNetwork =
-        addAction(help, trMenu("Follow Quillery %1…").arg(AppInfo::socialHandle()),
+        addAction(help, trMenu("Follow @%1…").arg(AppInfo::socialHandle()),
                   QStringLiteral("actionFollowOnSocialNetwork"));
     help->addSeparator();
     actions.about = addAction(help, trMenu("&About Quillery"), QStringLiteral("actionAbout"));
