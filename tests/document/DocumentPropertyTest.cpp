@@ -108,8 +108,11 @@ TEST_P(RandomSession, KeepsTheTreeSoundAndUndoesBackToEmpty) {
     EXPECT_TRUE(m_document.diffs().empty());
     EXPECT_EQ(m_document.changeCount(), 0);
 
-    while (m_undoManager.canRedo())
+    while (m_undoManager.canRedo()) {
         m_undoManager.redo();
+        expectSoundTree();
+        ASSERT_FALSE(HasFatalFailure());
+    }
     EXPECT_EQ(outline(), before);
     EXPECT_EQ(m_document.diffs().size(), journalLength);
 
