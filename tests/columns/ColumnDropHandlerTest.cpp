@@ -1,12 +1,12 @@
 #include "columns/ColumnDropHandler.h"
 
+#include "EncodedPicture.h"
 #include "QtPrinters.h"
 #include "columns/QtPicture.h"
 #include "document/Diagnostics.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 
-#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -22,13 +22,7 @@
 namespace quillery {
 namespace {
 
-QByteArray encoded(const QImage& image, const char* format) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format);
-    return bytes;
-}
+using testing::encoded;
 
 QImage picture(QColor colour = Qt::red, QSize size = {8, 6}) {
     QImage image(size, QImage::Format_RGB32);

@@ -1,19 +1,13 @@
 #include "columns/DecodePicture.h"
 
-#include <QBuffer>
+#include "EncodedPicture.h"
 
 #include <gtest/gtest.h>
 
 namespace quillery {
 namespace {
 
-QByteArray encoded(const QImage& image, const char* format) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format);
-    return bytes;
-}
+using testing::encoded;
 
 // Qt's PNG reader cannot decode scaled down, and this picture takes 144 MB at full size: more than
 // Qt allows by default, as ordinary photos from a phone do.

@@ -1,9 +1,9 @@
 #include "columns/ImageAndDataFromPasteBoard.h"
 
+#include "EncodedPicture.h"
 #include "QtPrinters.h"
 #include "columns/DecodePicture.h"
 
-#include <QBuffer>
 #include <QMimeData>
 
 #include <gtest/gtest.h>
@@ -17,13 +17,7 @@ QImage picture(QColor colour) {
     return image;
 }
 
-QByteArray encoded(const QImage& image, const char* format) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format);
-    return bytes;
-}
+using testing::encoded;
 
 const QString kTiff = QStringLiteral("image/tiff");
 const QString kPng = QStringLiteral("image/png");
