@@ -130,6 +130,23 @@ void DocumentController::openWithDialog(QWidget* dialogParent) {
     }
 }
 
+void DocumentController::openForAnotherStart(const QStringList& packages) {
+    for (const QString& package : packages) {
+        openDocument(package.toStdString());
+    }
+    if (!packages.isEmpty()) {
+        return;
+    }
+    if (m_windows.empty()) {
+        newDocument();
+        return;
+    }
+    DocumentWindow* window = m_windows.back();
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
 std::size_t DocumentController::restoreSession() {
     for (const QString& path : m_session.openNotebooks()) {
         std::error_code error;
@@ -143,10 +160,17 @@ std::size_t DocumentController::restoreSession() {
 
 bool DocumentController::closeAll() {
     const std::vector<DocumentWindow*> windows = m_windows;
+    // Every question is answered before any window goes, so a Cancel leaves them all open.
     for (DocumentWindow* window : windows) {
-        if (!window->close()) {
+        if (!window->prepareToClose()) {
+            for (DocumentWindow* each : windows) {
+                each->keepOpen();
+            }
             return false;
         }
+    }
+    for (DocumentWindow* window : windows) {
+        window->close();
     }
     return true;
 }
@@ -158,9 +182,6 @@ void DocumentController::quit() {
     m_quitting = false;
     if (closed) {
         QCoreApplication::quit();
-    } else {
-        // The user kept a notebook, so the app goes on with fewer windows than it had.
-        rememberOpenNotebooks();
     }
 }
 

@@ -43,10 +43,14 @@ public:
     DocumentWindow* openDocument(const std::filesystem::path& location,
                                  QWidget* dialogParent = nullptr);
     void openWithDialog(QWidget* dialogParent);
+    // What a later start of the app asks for: each package given opens or comes forward; with
+    // none, the last window opened comes forward (a new notebook when there is none).
+    void openForAnotherStart(const QStringList& packages);
     // Opens the notebooks that were open when the app last ended, passing over those that are
     // gone; returns how many windows are open then.
     std::size_t restoreSession();
-    // Closes every window; stops, returning false, at the first one the user keeps open.
+    // Closes every window once each is ready to (saved, or the user answered); when the user
+    // keeps one open, returns false and closes none.
     bool closeAll();
     void quit();
 

@@ -3,8 +3,10 @@
 #include "app/AppDelegate.h"
 #include "app/DocumentController.h"
 #include "app/DocumentPrompts.h"
+#include "columns/EditNodeViewController.h"
 #include "columns/ListViewController.h"
 #include "document/UndoManager.h"
+#include "navigation/ColumnRowState.h"
 #include "navigation/MyHorizontalScrollViewController.h"
 #include "navigation/MySplitViewController.h"
 #include "storage/NotebookPackage.h"
@@ -15,6 +17,8 @@
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QMenu>
+#include <QPlainTextEdit>
+#include <QVBoxLayout>
 
 namespace quillery {
 
@@ -45,6 +49,11 @@ DocumentWindow::DocumentWindow(DocumentController& controller, std::unique_ptr<D
     connect(&m_autosaveTimer, &QTimer::timeout, this, &DocumentWindow::autosave);
     connectActions();
     attachDocument();
+    auto* central = new QWidget(this);
+    m_contentLayout = new QVBoxLayout(central);
+    m_contentLayout->setContentsMargins(0, 0, 0, 0);
+    m_contentLayout->setSpacing(0);
+    setCentralWidget(central);
     showContent();
     // Room for three columns: the opened note, its children and theirs.
     const int width = splitViewController()->columnWidth();
@@ -59,6 +68,7 @@ DocumentWindow::~DocumentWindow() {
     // The focus moves as the columns go; a half-destroyed window must not hear of it.
     disconnect(qApp, &QApplication::focusChanged, this, nullptr);
     delete takeCentralWidget();
+    m_content = nullptr;
     detachDocument();
 }
 
@@ -120,18 +130,26 @@ void DocumentWindow::revert() {
         return;
     }
     m_autosaveTimer.stop();
-    delete takeCentralWidget();
+    const ColumnRowState where = ColumnRowState::capture(*m_content);
+    delete m_content;
+    m_content = nullptr;
     detachDocument();
     m_undoManager->removeAllActions();
     m_document = std::move(result.document);
     attachDocument();
     showContent();
     splitViewController()->makeSplitViewFirstResponder(0);
+    where.restore(*m_content, *m_document);
     documentDidChange();
 }
 
+bool DocumentWindow::prepareToClose() {
+    m_readyToClose = m_readyToClose || mayClose();
+    return m_readyToClose;
+}
+
 void DocumentWindow::closeEvent(QCloseEvent* event) {
-    if (!mayClose()) {
+    if (!prepareToClose()) {
         event->ignore();
         return;
     }
@@ -222,7 +240,7 @@ void DocumentWindow::detachDocument() {
 
 void DocumentWindow::showContent() {
     m_content = new MyHorizontalScrollViewController(m_document.get());
-    setCentralWidget(m_content);
+    m_contentLayout->addWidget(m_content, 1);
     // In a window already on screen (after Revert) the columns appear at once.
     m_content->show();
     connect(splitViewController(), &MySplitViewController::panelShownChanged, this,
@@ -291,14 +309,21 @@ bool DocumentWindow::saveInPlace() {
 }
 
 bool DocumentWindow::mayClose() {
-    if (!m_document->hasUnsavedChanges()) {
+    // A notebook with a place on disk keeps the editor's text and saves without a question; an
+    // untitled one asks first, so that Cancel leaves the editor open as it was.
+    const bool untitled = !m_document->fileLocation();
+    if (!untitled) {
+        finishEditing();
+    }
+    if (!m_document->hasUnsavedChanges() && !(untitled && editorHoldsChange())) {
         return true;
     }
-    if (m_document->fileLocation() && saveInPlace()) {
+    if (!untitled && saveInPlace()) {
         return true;
     }
     switch (m_controller.prompts().askToSaveChanges(this, displayName())) {
     case DocumentPrompts::SaveChoice::Save:
+        finishEditing();
         return saveAs();
     case DocumentPrompts::SaveChoice::Discard:
         return true;
@@ -306,6 +331,18 @@ bool DocumentWindow::mayClose() {
         return false;
     }
     return false;
+}
+
+void DocumentWindow::finishEditing() {
+    if (auto* editor = qobject_cast<EditNodeViewController*>(splitViewController()->panel())) {
+        editor->didTapDone();
+    }
+}
+
+bool DocumentWindow::editorHoldsChange() const {
+    const auto* editor = qobject_cast<EditNodeViewController*>(splitViewController()->panel());
+    return editor && editor->representedNode() &&
+           editor->textView()->toPlainText().toStdString() != editor->representedNode()->text();
 }
 
 void DocumentWindow::fillRecentMenu() {
@@ -342,7 +379,7 @@ bool DocumentWindow::sendToActiveColumn(void (ListViewController::*command)()) {
 
 ListViewController* DocumentWindow::focusedColumn() const {
     // No columns between taking them down and showing new ones (Revert, closing).
-    if (!centralWidget() || splitViewController()->panel()) {
+    if (!m_content || splitViewController()->panel()) {
         return nullptr;
     }
     return AppDelegate::columnContaining(focusWidget());

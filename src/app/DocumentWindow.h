@@ -9,6 +9,8 @@
 #include <chrono>
 #include <memory>
 
+class QVBoxLayout;
+
 namespace quillery {
 
 class DocumentController;
@@ -45,6 +47,13 @@ public:
     // A new notebook that has never been saved and holds no record of any edit.
     bool isUntouchedAndUntitled() const;
 
+    // Gets the notebook ready to close: an open note editor's text is kept as Done would keep
+    // it, and the notebook is saved, or the user is asked. False when the user keeps the window;
+    // once true, closing asks nothing more until keepOpen().
+    bool prepareToClose();
+    // A close prepared for (a quit) that did not happen: the next close asks again.
+    void keepOpen() { m_readyToClose = false; }
+
     // Each returns whether the notebook is now saved; failures were shown to the user.
     bool save();
     bool saveAs();
@@ -65,6 +74,10 @@ private:
     void autosave();
     bool saveInPlace();
     bool mayClose();
+    // Done in the note editor, when one is open.
+    void finishEditing();
+    // The note editor is open with text that differs from its note's.
+    bool editorHoldsChange() const;
     void fillRecentMenu();
     bool sendToActiveColumn(void (ListViewController::*command)());
     // The column holding this window's keyboard focus; none while a panel is open.
@@ -76,12 +89,14 @@ private:
     std::unique_ptr<Document> m_document;
     Document::ObserverId m_observer = 0;
     QString m_untitledName;
+    QVBoxLayout* m_contentLayout = nullptr;
     MyHorizontalScrollViewController* m_content = nullptr;
     DocumentActions m_actions;
     QTimer m_autosaveTimer;
     // One warning per run of failing autosaves, not one per change.
     bool m_autosaveFailed = false;
     bool m_shownOnce = false;
+    bool m_readyToClose = false;
 };
 
 } // namespace quillery

@@ -3,15 +3,18 @@
 #include "app/DialogPrompts.h"
 #include "app/DocumentController.h"
 #include "app/QtPictureCodec.h"
+#include "app/SingleInstance.h"
 #include "document/JsonFilePreferences.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QIcon>
 
 // quillery [PACKAGE…]: opens each notebook package in its own window. Without packages it brings
 // back the notebooks open when it last ended, or a new untitled notebook when there are none.
-// Exits with an error when every package given failed to open.
+// Exits with an error when every package given failed to open. While the app runs, a later start
+// hands its packages to it and exits with 0.
 int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
     Q_INIT_RESOURCE(resources);
@@ -33,6 +36,22 @@ int main(int argc, char* argv[]) {
         QStringLiteral("[PACKAGE…]"));
     parser.process(app);
 
+    // Made absolute here: the running app may have started in another directory.
+    QStringList packages;
+    for (const QString& package : parser.positionalArguments()) {
+        packages.append(QFileInfo(package).absoluteFilePath());
+    }
+    quillery::SingleInstance instance(quillery::SingleInstance::defaultSocketPath());
+    switch (instance.start(packages)) {
+    case quillery::SingleInstance::Start::HandedOff:
+        return 0;
+    case quillery::SingleInstance::Start::NoAnswer:
+        qCritical("Quillery is already running but does not answer.");
+        return 1;
+    case quillery::SingleInstance::Start::First:
+        break;
+    }
+
     quillery::JsonFilePreferences preferences;
     quillery::QtPictureCodec codec;
     quillery::DialogPrompts prompts;
@@ -40,8 +59,9 @@ int main(int argc, char* argv[]) {
     quillery::AppDelegate appDelegate;
     appDelegate.setNewDocumentHandler([&controller] { controller.newDocument(); });
     controller.setAppDelegate(&appDelegate);
+    QObject::connect(&instance, &quillery::SingleInstance::argumentsReceived, &controller,
+                     &quillery::DocumentController::openForAnotherStart);
 
-    const QStringList packages = parser.positionalArguments();
     for (const QString& package : packages) {
         controller.openDocument(package.toStdString());
     }

@@ -1,6 +1,7 @@
 #include "QtPrinters.h"
 #include "app/AppFixture.h"
 
+#include <QApplication>
 #include <QPointer>
 #include <QTest>
 
@@ -53,14 +54,19 @@ TEST_F(DocumentControllerSessionTest, AWindowClosedWhileOthersStayIsGoneButTheLa
     EXPECT_EQ(locations(*started), std::vector{home});
 }
 
-TEST_F(DocumentControllerSessionTest, AQuitTheUserStopsKeepsOnlyTheWindowsStillOpen) {
-    controller.openDocument(makePackage("Trip.quillery", {"Flights"}));
+TEST_F(DocumentControllerSessionTest, AQuitTheUserStopsKeepsEveryWindowAndTheSession) {
+    const auto trip = makePackage("Trip.quillery", {"Flights"});
+    controller.openDocument(trip);
     addNote(*controller.newDocument(), "unsaved");
     prompts.saveChoice = DocumentPrompts::SaveChoice::Cancel;
 
     controller.quit();
+    QApplication::processEvents();
 
-    EXPECT_TRUE(controller.session().openNotebooks().isEmpty());
+    EXPECT_EQ(controller.windows().size(), 2u);
+    auto started = restart();
+    EXPECT_EQ(started->restoreSession(), 1u);
+    EXPECT_EQ(locations(*started), std::vector{trip});
 }
 
 TEST_F(DocumentControllerSessionTest, NotebooksGoneSinceAreSkippedWithoutAWord) {

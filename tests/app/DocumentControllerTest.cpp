@@ -1,9 +1,11 @@
 #include "QtPrinters.h"
 #include "app/AppFixture.h"
 
+#include <QApplication>
 #include <QPointer>
 #include <QTest>
 
+#include <algorithm>
 #include <fstream>
 
 namespace quillery {
@@ -118,19 +120,35 @@ INSTANTIATE_TEST_SUITE_P(Packages, FailedOpenTest,
                                                       }}),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
-TEST_F(DocumentControllerTest, QuittingStopsAtTheFirstNotebookTheUserKeeps) {
+TEST_F(DocumentControllerTest, ClosingAllClosesNoneWhenTheUserKeepsOne) {
+    controller.openDocument(makePackage("Kept.quillery", {"a"}));
     DocumentWindow* untitled = controller.newDocument();
     addNote(*untitled, "unsaved");
-    controller.openDocument(makePackage("Kept.quillery", {"a"}));
 
     prompts.saveChoice = DocumentPrompts::SaveChoice::Cancel;
     EXPECT_FALSE(controller.closeAll());
+    QApplication::processEvents();
     EXPECT_EQ(controller.windows().size(), 2u);
+    EXPECT_TRUE(std::ranges::all_of(
+        controller.windows(), [](const DocumentWindow* window) { return window->isVisible(); }));
     EXPECT_EQ(prompts.savePromptsFor, std::vector<QString>{QStringLiteral("Untitled")});
 
     prompts.saveChoice = DocumentPrompts::SaveChoice::Discard;
     EXPECT_TRUE(controller.closeAll());
     EXPECT_TRUE(QTest::qWaitFor([&] { return controller.windows().empty(); }));
+}
+
+TEST_F(DocumentControllerTest, AnotherStartOpensItsNotebooksOnceOrBringsAWindowForward) {
+    const QString trip = QString::fromStdString(makePackage("Trip.quillery", {"a"}).string());
+
+    controller.openForAnotherStart({});
+    ASSERT_EQ(controller.windows().size(), 1u) << "a new notebook when none is open";
+    controller.openForAnotherStart({trip});
+    controller.openForAnotherStart({trip});
+    controller.openForAnotherStart({});
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return controller.windows().size() == 1u; }));
+    EXPECT_EQ(controller.windows()[0]->displayName(), QStringLiteral("Trip"));
 }
 
 // A notebook of 10,000 notes opens and its first column shows them.

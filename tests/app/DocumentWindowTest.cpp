@@ -1,6 +1,7 @@
 #include "QtPrinters.h"
 #include "app/AppDelegate.h"
 #include "app/AppFixture.h"
+#include "columns/EditNodeViewController.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -284,6 +285,101 @@ TEST_F(DocumentWindowTest, ClosingAnUnchangedOrSavedNotebookAsksNothing) {
 
     EXPECT_TRUE(prompts.savePromptsFor.empty());
     EXPECT_EQ(textsOnDisk(location), (std::vector<std::string>{"Hotels", "Flights"}));
+}
+
+// Closing or quitting with the note editor open keeps what was typed, as Done would.
+
+struct EditorEnding {
+    const char* name;
+    void (*end)(DocumentController&, DocumentWindow&);
+};
+
+class DocumentWindowEditorTest : public DocumentWindowTest,
+                                 public ::testing::WithParamInterface<EditorEnding> {
+protected:
+    // Opens the editor on the first top-level note and types the text at its end.
+    static EditNodeViewController& typeInEditor(DocumentWindow& window, const QString& text) {
+        ListViewController& column = *window.splitViewController()->column(0);
+        column.selectRow(0);
+        column.didTapEditNode();
+        auto* editor = qobject_cast<EditNodeViewController*>(window.splitViewController()->panel());
+        EXPECT_NE(editor, nullptr);
+        editor->textView()->moveCursor(QTextCursor::End);
+        editor->textView()->insertPlainText(text);
+        return *editor;
+    }
+};
+
+TEST_P(DocumentWindowEditorTest, TheTypedTextIsSavedAsOneEdit) {
+    const auto location = makePackage("Trip.quillery", {"Flights"});
+    DocumentWindow& window = *controller.openDocument(location);
+    window.setAutosaveDelay(1h);
+    typeInEditor(window, QStringLiteral(" to Oslo"));
+
+    GetParam().end(controller, window);
+
+    EXPECT_TRUE(QTest::qWaitFor([&] { return controller.windows().empty(); }));
+    EXPECT_EQ(textsOnDisk(location), std::vector<std::string>{"Flights to Oslo"});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Endings, DocumentWindowEditorTest,
+    ::testing::Values(EditorEnding{"Close",
+                                   [](DocumentController&, DocumentWindow& window) {
+                                       window.close();
+                                   }},
+                      EditorEnding{"Quit",
+                                   [](DocumentController& controller, DocumentWindow&) {
+                                       controller.quit();
+                                   }}),
+    [](const auto& testCase) { return std::string(testCase.param.name); });
+
+TEST_F(DocumentWindowEditorTest, AQuitCancelledElsewhereLeavesTheTextAsOneUndoStep) {
+    const auto location = makePackage("Trip.quillery", {"Flights"});
+    DocumentWindow& window = *controller.openDocument(location);
+    typeInEditor(window, QStringLiteral(" to Oslo"));
+    addNote(*controller.newDocument(), "unsaved");
+    prompts.saveChoice = DocumentPrompts::SaveChoice::Cancel;
+
+    controller.quit();
+
+    EXPECT_EQ(textsOnDisk(location), std::vector<std::string>{"Flights to Oslo"});
+    EXPECT_EQ(action(window, "actionUndo").text(), QStringLiteral("&Undo Edit Text"));
+    action(window, "actionUndo").trigger();
+    EXPECT_EQ(window.document().rootNode()->children()[0]->text(), "Flights");
+}
+
+TEST_F(DocumentWindowEditorTest, AnUntitledNotebookAsksAboutTypedTextAndCancelKeepsTheEditor) {
+    DocumentWindow& window = *controller.newDocument();
+    addNote(window, "draft");
+    window.document().markSaved();
+    EditNodeViewController& editor = typeInEditor(window, QStringLiteral(" two"));
+
+    EXPECT_FALSE(window.close());
+
+    EXPECT_EQ(prompts.savePromptsFor, std::vector<QString>{QStringLiteral("Untitled")});
+    EXPECT_EQ(window.splitViewController()->panel(), &editor);
+    EXPECT_EQ(editor.textView()->toPlainText(), QStringLiteral("draft two"));
+}
+
+TEST_F(DocumentWindowTest, RevertOpensTheSameNotesAgain) {
+    const auto location = makePackage("Trip.quillery", {"Flights", "Hotels"});
+    DocumentWindow& window = *controller.openDocument(location);
+    Document& document = window.document();
+    const NodePtr hotels = document.rootNode()->children()[1];
+    document.add(*NotebookNode::create(hotels->identifier(), "Oslo"), *hotels, -1);
+    ASSERT_TRUE(window.save());
+    MySplitViewController& split = *window.splitViewController();
+    split.column(0)->selectRow(1);
+    split.column(1)->selectRow(0);
+
+    action(window, "actionRevert").trigger();
+
+    MySplitViewController& reverted = *window.splitViewController();
+    ASSERT_NE(reverted.column(1), nullptr);
+    EXPECT_EQ(reverted.column(0)->selectedNode()->text(), "Hotels");
+    EXPECT_EQ(reverted.column(1)->selectedNode()->text(), "Oslo");
+    EXPECT_NE(reverted.column(1)->representedNode(), hotels) << "the nodes are read again";
 }
 
 TEST_F(DocumentWindowTest, RevertReadsThePackageAgainAndForgetsTheHistory) {
