@@ -1,0 +1,274 @@
+#include "document/SearchIndex.h"
+
+#include "document/TextFolding.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace quillery {
+
+namespace {
+
+// A rebuild pays off once this many slots were made or emptied since the last one.
+std::size_t rebuildThreshold(const FoldedNoteTable& table) {
+    return 4096 + table.builtSlots() / 8;
+}
+
+constexpr std::size_t kCachedWords = 8;
+
+// The notes under `top`, itself first, in tree order; an explicit stack, since trees may be a
+// million deep.
+template <typename Visit>
+void forEachInTreeOrder(NotebookNode& top, Visit visit) {
+    std::vector<NotebookNode*> stack{&top};
+    while (!stack.empty()) {
+        NotebookNode* node = stack.back();
+        stack.pop_back();
+        visit(*node);
+        for (auto child = node->children().rbegin(); child != node->children().rend(); ++child)
+            stack.push_back(child->get());
+    }
+}
+
+void appendSnapshot(NotebookNode& top, TreeSnapshot& snapshot) {
+    forEachInTreeOrder(top, [&](NotebookNode& node) {
+        snapshot.nodes.push_back(&node);
+        snapshot.texts += node.text();
+        if (node.url()) {
+            snapshot.texts += '\n';
+            snapshot.texts += *node.url();
+        }
+        snapshot.ends.push_back(snapshot.texts.size());
+    });
+}
+
+} // namespace
+
+SearchIndex::SearchIndex(Document& document, std::function<void()> onBuilt)
+    : m_document(document)
+    , m_onBuilt(std::move(onBuilt)) {
+    m_observer =
+        m_document.addObserver([this](const DocumentUpdate& update) { noteChanged(update); });
+    startBuild();
+}
+
+SearchIndex::~SearchIndex() {
+    m_document.removeObserver(m_observer);
+    if (m_worker.joinable())
+        m_worker.join();
+}
+
+void SearchIndex::startBuild() {
+    if (m_building)
+        return;
+    auto snapshot = std::make_shared<TreeSnapshot>();
+    snapshot->nodes.reserve(m_document.nodeCount());
+    snapshot->ends.reserve(m_document.nodeCount());
+    appendSnapshot(*m_document.rootNode(), *snapshot);
+    snapshot->deletedRootSlot = snapshot->nodes.size();
+    appendSnapshot(*m_document.deletedRootNode(), *snapshot);
+
+    if (m_worker.joinable())
+        m_worker.join();
+    m_building = true;
+    m_editedDuringBuild.clear();
+    m_restructuredDuringBuild = false;
+    m_worker = std::thread([this, snapshot] {
+        auto table = std::make_unique<FoldedNoteTable>(*snapshot);
+        {
+            std::lock_guard lock(m_mutex);
+            m_finished = std::move(table);
+        }
+        m_builtCondition.notify_all();
+        if (m_onBuilt)
+            m_onBuilt();
+    });
+}
+
+void SearchIndex::takeFinishedBuild() {
+    if (!m_building)
+        return;
+    std::unique_ptr<FoldedNoteTable> finished;
+    {
+        std::lock_guard lock(m_mutex);
+        finished = std::move(m_finished);
+    }
+    if (!finished)
+        return;
+    m_worker.join();
+    m_building = false;
+    if (m_restructuredDuringBuild) {
+        // Notes added or moved meanwhile have no place in the new table yet; the table in use
+        // (if any) followed them, so it goes on serving while the next build runs.
+        startBuild();
+        return;
+    }
+    m_table = std::move(finished);
+    m_wordCache.clear();
+    for (const NodePtr& node : m_editedDuringBuild)
+        reindexText(*node);
+    m_editedDuringBuild.clear();
+}
+
+bool SearchIndex::isReady() {
+    takeFinishedBuild();
+    return m_table != nullptr;
+}
+
+void SearchIndex::waitUntilReady() {
+    while (m_building) {
+        {
+            std::unique_lock lock(m_mutex);
+            m_builtCondition.wait(lock, [this] { return m_finished != nullptr; });
+        }
+        takeFinishedBuild();
+    }
+}
+
+void SearchIndex::noteChanged(const DocumentUpdate& update) {
+    takeFinishedBuild();
+    if (m_building) {
+        if (update.type == NodeUpdateType::changedText)
+            m_editedDuringBuild.push_back(update.node);
+        else
+            m_restructuredDuringBuild = true;
+    }
+    if (!m_table)
+        return;
+    m_wordCache.clear();
+    switch (update.type) {
+    case NodeUpdateType::changedText:
+        reindexText(*update.node);
+        break;
+    case NodeUpdateType::insertedNode:
+    case NodeUpdateType::movedWithinParent:
+    case NodeUpdateType::changedParent:
+        reindexSubtree(*update.node);
+        break;
+    case NodeUpdateType::destroyedNode:
+        removeSubtree(*update.node);
+        break;
+    default:
+        // Anything else may have replaced the tree: the table's notes may be gone.
+        m_table.reset();
+        m_restructuredDuringBuild = true;
+        startBuild();
+        return;
+    }
+    if (m_table && m_table->churn() > rebuildThreshold(*m_table))
+        startBuild();
+}
+
+void SearchIndex::reindexText(NotebookNode& node) {
+    const std::size_t slot = m_table->slotOf(&node);
+    if (slot == FoldedNoteTable::npos || slot == 0 || !m_table->node(slot) ||
+        &node == m_document.deletedRootNode().get())
+        return;
+    const FoldedNoteTable::Key key = m_table->key(slot);
+    const bool deleted = m_table->isDeleted(slot);
+    m_table->remove(slot);
+    m_table->append(&node, node.text(), node.url() ? &*node.url() : nullptr, key, deleted);
+}
+
+void SearchIndex::removeSubtree(NotebookNode& top) {
+    std::unordered_set<const NotebookNode*> nodes;
+    forEachInTreeOrder(top, [&](NotebookNode& node) { nodes.insert(&node); });
+    m_table->removeAll(nodes);
+}
+
+void SearchIndex::reindexSubtree(NotebookNode& top) {
+    if (&top == m_document.rootNode().get() || &top == m_document.deletedRootNode().get())
+        return;
+    std::vector<NotebookNode*> subtree;
+    forEachInTreeOrder(top, [&](NotebookNode& node) { subtree.push_back(&node); });
+    m_table->removeAll(std::unordered_set<const NotebookNode*>(subtree.begin(), subtree.end()));
+    const NotebookNode* root = rootOf(top);
+    if (!root)
+        return; // the note stands under a note that is no longer in the tree
+    const std::size_t before = m_table->slotOf(precedingNode(top));
+    if (before == FoldedNoteTable::npos) {
+        startBuild();
+        return;
+    }
+    // The moved notes take keys spread evenly between their new neighbours'. When the gap is
+    // used up they share a key, slightly out of order until the rebuild this starts is done.
+    const FoldedNoteTable::Key low = m_table->key(before);
+    const FoldedNoteTable::Key gap = m_table->nextKeyAfter(low) - low;
+    const FoldedNoteTable::Key step = gap / (subtree.size() + 1);
+    if (step == 0)
+        startBuild();
+    const bool deleted = root == m_document.deletedRootNode().get();
+    FoldedNoteTable::Key key = low;
+    for (NotebookNode* node : subtree) {
+        key += step;
+        m_table->append(node, node->text(), node->url() ? &*node->url() : nullptr, key, deleted);
+    }
+}
+
+const NotebookNode* SearchIndex::rootOf(const NotebookNode& node) const {
+    // A cycle in a foreign journal must not hang the walk.
+    const NotebookNode* current = &node;
+    for (std::size_t steps = 0; current->parentNode() && steps <= m_document.nodeCount(); ++steps)
+        current = current->parentNode();
+    if (current == m_document.rootNode().get() || current == m_document.deletedRootNode().get())
+        return current;
+    return nullptr;
+}
+
+NotebookNode* SearchIndex::precedingNode(const NotebookNode& node) const {
+    NotebookNode* parent = node.parentNode();
+    const auto& siblings = parent->children();
+    auto at = std::find_if(siblings.begin(), siblings.end(),
+                           [&](const NodePtr& sibling) { return sibling.get() == &node; });
+    if (at == siblings.begin() || at == siblings.end())
+        return parent;
+    NotebookNode* last = std::prev(at)->get();
+    while (!last->children().empty())
+        last = last->children().back().get();
+    return last;
+}
+
+const SlotSet& SearchIndex::slotsMatching(const std::string& word) {
+    for (const auto& [cachedWord, slots] : m_wordCache)
+        if (cachedWord == word)
+            return slots;
+    if (m_wordCache.size() >= kCachedWords)
+        m_wordCache.erase(m_wordCache.begin());
+    return m_wordCache.emplace_back(word, m_table->matching(word)).second;
+}
+
+SearchResults SearchIndex::find(std::string_view query, bool includeDeleted, std::size_t limit) {
+    SearchResults results;
+    if (!isReady())
+        return results;
+    results.ready = true;
+    const std::vector<std::string> words = folding::queryWords(query);
+    if (words.empty())
+        return results;
+    SlotSet slots = m_table->candidates(includeDeleted);
+    for (const std::string& word : words)
+        slots &= slotsMatching(word);
+    results.total = slots.count();
+    for (std::size_t slot : m_table->firstInOrder(slots, limit))
+        results.hits.push_back({m_table->node(slot), m_table->isDeleted(slot)});
+    return results;
+}
+
+std::size_t SearchIndex::memoryBytes() const {
+    return m_table ? m_table->memoryBytes() : 0;
+}
+
+std::string_view firstLine(std::string_view text) {
+    return text.substr(0, text.find('\n'));
+}
+
+std::vector<std::string_view> ancestorFirstLines(const NotebookNode& node) {
+    std::vector<std::string_view> lines;
+    for (const NotebookNode* parent = node.parentNode(); parent && parent->parentNode();
+         parent = parent->parentNode())
+        lines.push_back(firstLine(parent->text()));
+    std::reverse(lines.begin(), lines.end());
+    return lines;
+}
+
+} // namespace quillery
