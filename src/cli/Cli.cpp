@@ -1,5 +1,6 @@
 #include "cli/Cli.h"
 
+#include "cli/FindCommand.h"
 #include "cli/NotebookCommands.h"
 #include "cli/StyleCommand.h"
 
@@ -22,6 +23,8 @@ constexpr std::string_view kUsage =
     "  add PACKAGE --text TEXT [--parent IDENTIFIER] [--at INDEX]\n"
     "                                        add a note and save the package\n"
     "  info PACKAGE                          journals, notes, pictures, time to open\n"
+    "  find PACKAGE QUERY... [--deleted] [--format text|json]\n"
+    "                                        the notes that hold every word of the query\n"
     "  style                                 style a note's text (standard input) as JSON\n"
     "\n"
     "Run \"quillery-cli COMMAND --help\" for more about one command.\n"
@@ -50,6 +53,8 @@ int runCli(const std::vector<std::string>& arguments, std::istream& in, std::ost
         return runAddCommand(rest, out, err);
     if (command == "info")
         return runInfoCommand(rest, out, err);
+    if (command == "find")
+        return runFindCommand(rest, out, err);
     if (command == "style")
         return runStyleCommand(rest, in, out, err);
     err << "quillery-cli: unknown command “" << command << "”\n\n" << kUsage;

@@ -10,6 +10,7 @@ namespace quillery::cli {
 inline constexpr int kSuccess = 0;
 inline constexpr int kPackageFailure = 1; // a package could not be opened or saved
 inline constexpr int kUsageError = 2;
+inline constexpr int kNoMatches = 1; // find found nothing
 
 // Runs one quillery-cli command line (the arguments after the program name) and returns the
 // process exit code. Results go to `out`; messages and the engine's diagnostic lines go to `err`.

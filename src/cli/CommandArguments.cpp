@@ -3,7 +3,8 @@
 namespace quillery::cli {
 
 CommandArguments::CommandArguments(const std::vector<std::string>& arguments,
-                                   const std::set<std::string>& valueOptions) {
+                                   const std::set<std::string>& valueOptions,
+                                   const std::set<std::string>& flags) {
     bool optionsEnded = false;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
@@ -17,6 +18,8 @@ CommandArguments::CommandArguments(const std::vector<std::string>& arguments,
                    equals != std::string::npos &&
                    valueOptions.contains(argument.substr(0, equals))) {
             m_values[argument.substr(0, equals)] = argument.substr(equals + 1);
+        } else if (flags.contains(argument)) {
+            m_flags.insert(argument);
         } else if (valueOptions.contains(argument)) {
             if (i + 1 == arguments.size()) {
                 m_error = "option " + argument + " needs a value";
