@@ -3,6 +3,7 @@
 #include "document/TextFolding.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -12,43 +13,56 @@ namespace quillery {
 
 namespace {
 
-constexpr std::size_t kBlockSlots = 64;
-
-// Calls onHit(position) for occurrences of the needle in [begin, end); onHit returns where to go
-// on looking (past the note that matched). The SSE2 path compares the needle's first and last
-// bytes at sixteen places at once and checks the rest only where both agree.
-template <typename OnHit>
-void forEachOccurrence(const char* begin, const char* end, std::string_view needle, OnHit onHit) {
+// Marks the slots whose text holds the needle, in one pass over the buffer. Slots are counted by
+// their separators as the pass goes, so a hit needs no lookup. The SSE2 path compares the
+// needle's first and last bytes at 64 places a step and checks the rest only where both agree.
+void markMatches(std::string_view buffer, std::string_view needle, SlotSet& found) {
+    const char* data = buffer.data();
+    const std::size_t size = buffer.size();
     const std::size_t n = needle.size();
-    const char* p = begin;
-#ifdef __SSE2__
-    if (n >= 2) {
-        const __m128i first = _mm_set1_epi8(needle.front());
-        const __m128i last = _mm_set1_epi8(needle.back());
-        while (end - p >= static_cast<std::ptrdiff_t>(n - 1 + 16)) {
-            const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-            const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + n - 1));
-            auto mask = static_cast<unsigned>(_mm_movemask_epi8(
-                _mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, last))));
-            const char* resume = p + 16;
-            while (mask) {
-                const char* candidate = p + __builtin_ctz(mask);
-                if (std::memcmp(candidate + 1, needle.data() + 1, n - 2) == 0) {
-                    resume = onHit(candidate);
-                    break;
-                }
-                mask &= mask - 1;
-            }
-            p = resume;
+    std::size_t slot = 0;
+    std::size_t lastMarked = FoldedNoteTable::npos;
+    std::size_t at = 0;
+    auto check = [&](std::size_t position, std::size_t slotThere) {
+        if (slotThere != lastMarked &&
+            std::memcmp(data + position + 1, needle.data() + 1, n - 1) == 0) {
+            found.insert(slotThere);
+            lastMarked = slotThere;
         }
+    };
+#ifdef __SSE2__
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i first = _mm_set1_epi8(needle.front());
+    const __m128i last = _mm_set1_epi8(needle.back());
+    auto mask16 = [](__m128i bytes, __m128i value) {
+        return static_cast<std::uint64_t>(
+            static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, value))));
+    };
+    for (; at + 64 + n - 1 <= size; at += 64) {
+        std::uint64_t separators = 0;
+        std::uint64_t candidates = 0;
+        for (int part = 0; part < 4; ++part) {
+            const char* chunk = data + at + 16 * part;
+            const __m128i head = _mm_loadu_si128(reinterpret_cast<const __m128i*>(chunk));
+            const __m128i tail = _mm_loadu_si128(reinterpret_cast<const __m128i*>(chunk + n - 1));
+            separators |= mask16(head, zero) << (16 * part);
+            candidates |= (mask16(head, first) & mask16(tail, last)) << (16 * part);
+        }
+        while (candidates) {
+            const int bit = std::countr_zero(candidates);
+            const std::uint64_t before = separators & ((std::uint64_t{1} << bit) - 1);
+            check(at + static_cast<std::size_t>(bit),
+                  slot + static_cast<std::size_t>(std::popcount(before)));
+            candidates &= candidates - 1;
+        }
+        slot += static_cast<std::size_t>(std::popcount(separators));
     }
 #endif
-    while (p < end) {
-        std::string_view rest(p, static_cast<std::size_t>(end - p));
-        std::size_t at = rest.find(needle);
-        if (at == std::string_view::npos)
-            return;
-        p = onHit(p + at);
+    for (; at + n <= size; ++at) {
+        if (data[at] == '\0')
+            ++slot;
+        else if (data[at] == needle.front())
+            check(at, slot);
     }
 }
 
@@ -57,13 +71,11 @@ void forEachOccurrence(const char* begin, const char* end, std::string_view need
 FoldedNoteTable::FoldedNoteTable(const TreeSnapshot& snapshot) {
     const std::size_t count = snapshot.nodes.size();
     m_nodes.reserve(count);
-    m_blockStarts.reserve(count / kBlockSlots + 1);
     m_buffer.reserve(snapshot.texts.size() + count);
     m_live.resize(count);
     m_deleted.resize(count);
     std::size_t start = 0;
     for (std::size_t slot = 0; slot < count; ++slot) {
-        startSlot();
         m_nodes.push_back(snapshot.nodes[slot]);
         folding::appendFolded(
             std::string_view(snapshot.texts).substr(start, snapshot.ends[slot] - start), m_buffer);
@@ -76,11 +88,6 @@ FoldedNoteTable::FoldedNoteTable(const TreeSnapshot& snapshot) {
     m_builtSlots = count;
     // Text that grew in folding outgrew the reservation; keep only what is used.
     m_buffer.shrink_to_fit();
-}
-
-void FoldedNoteTable::startSlot() {
-    if (m_nodes.size() % kBlockSlots == 0)
-        m_blockStarts.push_back(m_buffer.size());
 }
 
 std::size_t FoldedNoteTable::slotOf(const NotebookNode* node) const {
@@ -119,7 +126,6 @@ FoldedNoteTable::Key FoldedNoteTable::nextKeyAfter(Key key) const {
 
 void FoldedNoteTable::append(NotebookNode* node, std::string_view text, const std::string* url,
                              Key key, bool deleted) {
-    startSlot();
     const std::size_t slot = m_nodes.size();
     m_nodes.push_back(node);
     m_addedKeys.push_back(key);
@@ -137,35 +143,8 @@ void FoldedNoteTable::append(NotebookNode* node, std::string_view text, const st
 
 SlotSet FoldedNoteTable::matching(std::string_view word) const {
     SlotSet found(m_nodes.size());
-    if (word.empty() || m_nodes.empty())
-        return found;
-    const char* buffer = m_buffer.data();
-    const std::size_t size = m_buffer.size();
-    // The slot that starts at `slotStart`; moved forward as hits come in buffer order.
-    std::size_t slot = 0;
-    std::size_t slotStart = 0;
-    forEachOccurrence(buffer, buffer + size, word, [&](const char* hit) {
-        const auto position = static_cast<std::size_t>(hit - buffer);
-        std::size_t block = slot / kBlockSlots;
-        if (block + 1 < m_blockStarts.size() && position >= m_blockStarts[block + 1]) {
-            auto after =
-                std::upper_bound(m_blockStarts.begin() + static_cast<std::ptrdiff_t>(block) + 1,
-                                 m_blockStarts.end(), position);
-            block = static_cast<std::size_t>(after - m_blockStarts.begin()) - 1;
-            slot = block * kBlockSlots;
-            slotStart = m_blockStarts[block];
-        }
-        while (const void* separator =
-                   std::memchr(buffer + slotStart, '\0', position - slotStart)) {
-            ++slot;
-            slotStart = static_cast<std::size_t>(static_cast<const char*>(separator) - buffer) + 1;
-        }
-        found.insert(slot);
-        const auto* end = static_cast<const char*>(std::memchr(hit, '\0', size - position));
-        ++slot;
-        slotStart = static_cast<std::size_t>(end - buffer) + 1;
-        return end + 1;
-    });
+    if (!word.empty())
+        markMatches(m_buffer, word, found);
     return found;
 }
 
@@ -204,8 +183,7 @@ std::vector<std::size_t> FoldedNoteTable::firstInOrder(const SlotSet& slots,
 
 std::size_t FoldedNoteTable::memoryBytes() const {
     return m_buffer.capacity() + m_nodes.capacity() * sizeof(NotebookNode*) +
-           m_blockStarts.capacity() * sizeof(std::size_t) + m_addedKeys.capacity() * sizeof(Key) +
-           m_live.memoryBytes() + m_deleted.memoryBytes();
+           m_addedKeys.capacity() * sizeof(Key) + m_live.memoryBytes() + m_deleted.memoryBytes();
 }
 
 } // namespace quillery

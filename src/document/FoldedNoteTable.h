@@ -71,12 +71,9 @@ public:
     std::size_t memoryBytes() const;
 
 private:
-    void startSlot();
-
     std::string m_buffer;
     std::vector<NotebookNode*> m_nodes;
-    std::vector<std::size_t> m_blockStarts; // where slot 64·i starts in the buffer
-    std::vector<Key> m_addedKeys;           // keys of the slots made after the build
+    std::vector<Key> m_addedKeys; // keys of the slots made after the build
     SlotSet m_live;
     SlotSet m_deleted;
     std::size_t m_builtSlots = 0;
