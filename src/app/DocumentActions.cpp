@@ -71,6 +71,17 @@ DocumentActions DocumentActions::create(QMainWindow& window) {
     edit->addSeparator();
     actions.paste =
         addAction(edit, trMenu("&Paste"), QStringLiteral("actionPaste"), QKeySequence::Paste);
+    edit->addSeparator();
+    actions.find = addAction(edit, trMenu("&Find…"), QStringLiteral("actionFind"),
+                             QKeySequence::Find, QKeySequence(Qt::CTRL | Qt::Key_F));
+    // Both pairs of keys, whatever the desktop binds: F3 where Windows habits rule, Ctrl+G where
+    // the Mac's do.
+    actions.findNext = addAction(edit, trMenu("Find &Next"), QStringLiteral("actionFindNext"));
+    actions.findNext->setShortcuts({QKeySequence(Qt::Key_F3), QKeySequence(Qt::CTRL | Qt::Key_G)});
+    actions.findPrevious =
+        addAction(edit, trMenu("Find Pre&vious"), QStringLiteral("actionFindPrevious"));
+    actions.findPrevious->setShortcuts(
+        {QKeySequence(Qt::SHIFT | Qt::Key_F3), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_G)});
 
     // Ctrl+N and Ctrl+P move within a focused column, and Return edits there, so the Note
     // commands use keys no column claims.

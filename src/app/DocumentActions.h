@@ -20,6 +20,9 @@ struct DocumentActions {
     QAction* undo = nullptr;
     QAction* redo = nullptr;
     QAction* paste = nullptr;
+    QAction* find = nullptr;
+    QAction* findNext = nullptr;
+    QAction* findPrevious = nullptr;
     QAction* addNote = nullptr;
     QAction* addNoteBeneath = nullptr;
     QAction* editNote = nullptr;

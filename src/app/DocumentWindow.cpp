@@ -3,6 +3,8 @@
 #include "app/AppDelegate.h"
 #include "app/DocumentController.h"
 #include "app/DocumentPrompts.h"
+#include "app/FindBar.h"
+#include "app/RevealNote.h"
 #include "columns/EditNodeViewController.h"
 #include "columns/ListViewController.h"
 #include "document/UndoManager.h"
@@ -133,6 +135,8 @@ void DocumentWindow::revert() {
     const ColumnRowState where = ColumnRowState::capture(*m_content);
     delete m_content;
     m_content = nullptr;
+    delete m_findBar;
+    m_findBar = nullptr;
     detachDocument();
     m_undoManager->removeAllActions();
     m_document = std::move(result.document);
@@ -199,6 +203,10 @@ void DocumentWindow::connectActions() {
     connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this,
             &DocumentWindow::updatePasteAction);
     connect(qApp, &QApplication::focusChanged, this, &DocumentWindow::updatePasteAction);
+    connect(m_actions.find, &QAction::triggered, this, [this] { m_findBar->open(); });
+    connect(m_actions.findNext, &QAction::triggered, this, [this] { m_findBar->chooseNext(); });
+    connect(m_actions.findPrevious, &QAction::triggered, this,
+            [this] { m_findBar->choosePrevious(); });
     connect(m_actions.addNote, &QAction::triggered, this, [this] {
         // With no column to take it, the app-level command's fallback applies: a new
         // notebook.
@@ -239,10 +247,15 @@ void DocumentWindow::detachDocument() {
 }
 
 void DocumentWindow::showContent() {
+    // The find bar goes above the columns; it searches this document, so Revert replaces it too.
+    m_findBar = new FindBar(*m_document);
+    m_contentLayout->insertWidget(0, m_findBar);
     m_content = new MyHorizontalScrollViewController(m_document.get());
     m_contentLayout->addWidget(m_content, 1);
     // In a window already on screen (after Revert) the columns appear at once.
     m_content->show();
+    connect(m_findBar, &FindBar::noteChosen, this,
+            [this](const NodePtr& note) { revealNote(*splitViewController(), *note); });
     connect(splitViewController(), &MySplitViewController::panelShownChanged, this,
             &DocumentWindow::updateActions);
 }
@@ -276,6 +289,9 @@ void DocumentWindow::updateActions() {
     m_actions.addNote->setEnabled(browsing);
     m_actions.addNoteBeneath->setEnabled(browsing);
     m_actions.editNote->setEnabled(browsing);
+    for (QAction* action : {m_actions.find, m_actions.findNext, m_actions.findPrevious}) {
+        action->setEnabled(browsing);
+    }
     m_actions.revert->setEnabled(m_document->fileLocation().has_value());
     updatePasteAction();
 }

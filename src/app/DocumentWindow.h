@@ -14,6 +14,7 @@ class QVBoxLayout;
 namespace quillery {
 
 class DocumentController;
+class FindBar;
 class ListViewController;
 class MyHorizontalScrollViewController;
 class MySplitViewController;
@@ -91,6 +92,7 @@ private:
     QString m_untitledName;
     QVBoxLayout* m_contentLayout = nullptr;
     MyHorizontalScrollViewController* m_content = nullptr;
+    FindBar* m_findBar = nullptr; // above the columns, in the central widget with them
     DocumentActions m_actions;
     QTimer m_autosaveTimer;
     // One warning per run of failing autosaves, not one per change.

@@ -1,0 +1,129 @@
+#include "app/FindBar.h"
+
+#include "QtPrinters.h"
+#include "app/AppFixture.h"
+#include "app/FindResultsModel.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QTest>
+
+namespace quillery {
+namespace {
+
+// A shown notebook: "Groceries" (apple pie, pear) and "Garden" (apple tree), the first column
+// focused.
+class FindBarTest : public AppFixture {
+protected:
+    FindBarTest()
+        : window(*controller.newDocument()) {
+        Document& document = window.document();
+        const NodePtr groceries = add(document.rootNode(), "Groceries");
+        add(groceries, "apple pie");
+        add(groceries, "pear");
+        add(add(document.rootNode(), "Garden"), "apple tree");
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        column(0)->makeFirstResponder();
+        bar = window.findChild<FindBar*>();
+    }
+
+    NodePtr add(const NodePtr& parent, const std::string& text) {
+        window.document().userDidAdd(*NotebookNode::create(parent->identifier(), text), *parent,
+                                     -1);
+        return parent->children().back();
+    }
+    ListViewController* column(int depth) const {
+        return window.splitViewController()->column(depth);
+    }
+    QString selectedText(int depth) const {
+        ListViewController* shown = column(depth);
+        return shown && shown->selectedNode()
+                   ? QString::fromStdString(shown->selectedNode()->text())
+                   : QString();
+    }
+    void trigger(const char* name) {
+        window.findChild<QAction*>(QString::fromLatin1(name))->trigger();
+    }
+    // The index is built in the background: the count shows once it is ready.
+    void expectCount(const QString& text) {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return bar->countLabel()->text() == text; }))
+            << bar->countLabel()->text().toStdString();
+    }
+    void search(const QString& text) {
+        trigger("actionFind");
+        QTest::keyClicks(bar->field(), text);
+    }
+
+    DocumentWindow& window;
+    FindBar* bar = nullptr;
+};
+
+TEST_F(FindBarTest, ReturnOpensTheColumnsAlongThePathAndFocusesTheNote) {
+    ASSERT_NE(bar, nullptr);
+    search(QStringLiteral("APPLE"));
+    EXPECT_TRUE(bar->field()->hasFocus());
+    expectCount(QStringLiteral("2 notes"));
+
+    QTest::keyClick(bar->field(), Qt::Key_Down);
+    QTest::keyClick(bar->field(), Qt::Key_Return);
+
+    EXPECT_FALSE(bar->isVisible());
+    EXPECT_EQ(selectedText(0), QStringLiteral("Garden"));
+    EXPECT_EQ(selectedText(1), QStringLiteral("apple tree"));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return column(1)->isAncestorOf(QApplication::focusWidget()); }));
+}
+
+TEST_F(FindBarTest, EscapeClosesAndGivesTheFocusBack) {
+    QWidget* before = QApplication::focusWidget();
+    search(QStringLiteral("pear"));
+    QTest::keyClick(bar->field(), Qt::Key_Escape);
+    EXPECT_FALSE(bar->isVisible());
+    EXPECT_EQ(QApplication::focusWidget(), before);
+}
+
+TEST_F(FindBarTest, NextAndPreviousWalkTheLastSearchWithoutTheBar) {
+    search(QStringLiteral("apple"));
+    expectCount(QStringLiteral("2 notes"));
+    QTest::keyClick(bar->field(), Qt::Key_Return);
+    EXPECT_EQ(selectedText(1), QStringLiteral("apple pie"));
+
+    const std::vector<std::pair<const char*, const char*>> steps{
+        {"actionFindNext", "apple tree"},
+        {"actionFindNext", "apple pie"},
+        {"actionFindPrevious", "apple tree"},
+    };
+    for (const auto& [name, expected] : steps) {
+        trigger(name);
+        EXPECT_FALSE(bar->isVisible());
+        EXPECT_EQ(selectedText(1), QString::fromUtf8(expected)) << name;
+    }
+}
+
+TEST_F(FindBarTest, ResultsFollowEditsUndoAndDeletion) {
+    search(QStringLiteral("apple"));
+    expectCount(QStringLiteral("2 notes"));
+    Document& document = window.document();
+    const NodePtr pear = document.rootNode()->children()[0]->children()[1];
+
+    document.userDidModify(*pear, "apple jam");
+    expectCount(QStringLiteral("3 notes"));
+    trigger("actionUndo");
+    expectCount(QStringLiteral("2 notes"));
+
+    document.userDidMove(*document.rootNode()->children()[1], *document.deletedRootNode());
+    expectCount(QStringLiteral("1 note"));
+    bar->includeDeletedBox()->setChecked(true);
+    EXPECT_EQ(bar->countLabel()->text(), QStringLiteral("2 notes"));
+    const QModelIndex last = bar->resultsView()->model()->index(1, 0);
+    EXPECT_TRUE(last.data(FindResultsModel::DeletedRole).toBool());
+    EXPECT_EQ(last.data(FindResultsModel::PathRole).toString(),
+              QStringLiteral("Deleted notes > Garden"));
+}
+
+} // namespace
+} // namespace quillery
