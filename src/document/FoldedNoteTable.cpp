@@ -23,12 +23,10 @@ void markMatches(std::string_view buffer, std::string_view needle, SlotSet& foun
     std::size_t slot = 0;
     std::size_t lastMarked = FoldedNoteTable::npos;
     std::size_t at = 0;
+    // Whether the needle occurs at the position, in a note not marked yet.
     auto check = [&](std::size_t position, std::size_t slotThere) {
-        if (slotThere != lastMarked &&
-            std::memcmp(data + position + 1, needle.data() + 1, n - 1) == 0) {
-            found.insert(slotThere);
-            lastMarked = slotThere;
-        }
+        return slotThere != lastMarked &&
+               std::memcmp(data + position + 1, needle.data() + 1, n - 1) == 0;
     };
 #ifdef __SSE2__
     const __m128i zero = _mm_setzero_si128();
@@ -50,10 +48,20 @@ void markMatches(std::string_view buffer, std::string_view needle, SlotSet& foun
         }
         while (candidates) {
             const int bit = std::countr_zero(candidates);
-            const std::uint64_t before = separators & ((std::uint64_t{1} << bit) - 1);
-            check(at + static_cast<std::size_t>(bit),
-                  slot + static_cast<std::size_t>(std::popcount(before)));
-            candidates &= candidates - 1;
+            const std::uint64_t below = (std::uint64_t{1} << bit) - 1;
+            const std::size_t slotThere =
+                slot + static_cast<std::size_t>(std::popcount(separators & below));
+            // Words of one or two bytes matched whole in the comparisons above.
+            if (n <= 2 ? slotThere != lastMarked
+                       : check(at + static_cast<std::size_t>(bit), slotThere)) {
+                found.insert(slotThere);
+                lastMarked = slotThere;
+                // The rest of this note need not be looked at.
+                const std::uint64_t later = separators & ~below;
+                candidates = later ? candidates & ~((later & -later) - 1) : 0;
+            } else {
+                candidates &= candidates - 1;
+            }
         }
         slot += static_cast<std::size_t>(std::popcount(separators));
     }
@@ -61,8 +69,10 @@ void markMatches(std::string_view buffer, std::string_view needle, SlotSet& foun
     for (; at + n <= size; ++at) {
         if (data[at] == '\0')
             ++slot;
-        else if (data[at] == needle.front())
-            check(at, slot);
+        else if (data[at] == needle.front() && check(at, slot)) {
+            found.insert(slot);
+            lastMarked = slot;
+        }
     }
 }
 

@@ -1,7 +1,9 @@
 #include "document/SearchIndex.h"
 
 #include "DocumentFixture.h"
+#include "document/TextFolding.h"
 
+#include <algorithm>
 #include <functional>
 
 namespace quillery {
@@ -192,6 +194,25 @@ TEST_F(Searching, CountsAllButListsTheFirstInTreeOrder) {
     EXPECT_EQ(results.hits.back().node->text(), "crate 499");
 }
 
+TEST_F(Searching, CountsAsAPlainSearchOfEachNoteDoes) {
+    // Notes of every length put words across every boundary of the scan's 64-byte steps.
+    std::vector<std::string> notes{"Groceries", "apple pie", "pear", "Garden", "apple tree"};
+    for (std::size_t k = 0; k < 300; ++k) {
+        notes.push_back(std::string(k % 97, 'a') + "bc" + std::string(k % 7, 'd') + "\nEf");
+        addNote(garden, notes.back());
+    }
+    SearchIndex index(m_document);
+    index.waitUntilReady();
+    for (const char* word :
+         {"a", "ab", "abc", "bcd", "cd", "cdd", "ddd", "ef", "f", "aaaaaaaaaaaaab"}) {
+        const auto expected =
+            std::count_if(notes.begin(), notes.end(), [&](const std::string& text) {
+                return folding::fold(text).find(word) != std::string::npos;
+            });
+        EXPECT_EQ(index.find(word, false).total, static_cast<std::size_t>(expected)) << word;
+    }
+}
+
 TEST_F(Searching, NotesAddedAgainAndAgainAtOnePlaceStayInOrder) {
     // Each new note halves the gap between the keys around it until a rebuild is due.
     for (int i = 0; i < 100; ++i)
@@ -231,10 +252,10 @@ TEST(AncestorFirstLines, NamesThePathWithoutTheRoots) {
     InMemoryPreferences preferences;
     Document document(preferences);
     auto top = NotebookNode::create(document.rootNode()->identifier(), "Top\nmore");
-    document.add(*top, *document.rootNode(), -1);
+    document.userDidAdd(*top, *document.rootNode(), -1);
     NodePtr added = document.rootNode()->children().front();
     auto child = NotebookNode::create(added->identifier(), "child");
-    document.add(*child, *added, -1);
+    document.userDidAdd(*child, *added, -1);
     EXPECT_EQ(ancestorFirstLines(*added->children().front()), std::vector<std::string_view>{"Top"});
 }
 
