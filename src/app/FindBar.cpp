@@ -157,6 +157,7 @@ void FindBar::moveSelection(int by) {
         return;
     const int row = std::clamp(m_results->currentIndex().row() + by, 0, rows - 1);
     m_results->setCurrentIndex(m_model->index(row));
+    m_results->scrollTo(m_model->index(row));
 }
 
 void FindBar::chooseRow(int row) {
