@@ -13,6 +13,10 @@ namespace quillery {
 
 namespace {
 
+// Slots whose start in the buffer is kept: one in this many, so finding any note's text costs a
+// short walk and the table stays small.
+constexpr std::size_t kBlockSlots = 32;
+
 // Marks the slots whose text holds the needle, in one pass over the buffer. Slots are counted by
 // their separators as the pass goes, so a hit needs no lookup. The SSE2 path compares the
 // needle's first and last bytes at 64 places a step and checks the rest only where both agree.
@@ -81,11 +85,13 @@ void markMatches(std::string_view buffer, std::string_view needle, SlotSet& foun
 FoldedNoteTable::FoldedNoteTable(const TreeSnapshot& snapshot) {
     const std::size_t count = snapshot.nodes.size();
     m_nodes.reserve(count);
+    m_blockStarts.reserve(count / kBlockSlots + 1);
     m_buffer.reserve(snapshot.texts.size() + count);
     m_live.resize(count);
     m_deleted.resize(count);
     std::size_t start = 0;
     for (std::size_t slot = 0; slot < count; ++slot) {
+        startSlot();
         m_nodes.push_back(snapshot.nodes[slot]);
         folding::appendFolded(
             std::string_view(snapshot.texts).substr(start, snapshot.ends[slot] - start), m_buffer);
@@ -98,6 +104,32 @@ FoldedNoteTable::FoldedNoteTable(const TreeSnapshot& snapshot) {
     m_builtSlots = count;
     // Text that grew in folding outgrew the reservation; keep only what is used.
     m_buffer.shrink_to_fit();
+}
+
+void FoldedNoteTable::startSlot() {
+    if (m_nodes.size() % kBlockSlots == 0)
+        m_blockStarts.push_back(m_buffer.size());
+}
+
+std::string_view FoldedNoteTable::foldedText(std::size_t slot) const {
+    const char* buffer = m_buffer.data();
+    const std::size_t size = m_buffer.size();
+    std::size_t start = m_blockStarts[slot / kBlockSlots];
+    for (std::size_t skip = slot % kBlockSlots; skip > 0; --skip)
+        start = static_cast<std::size_t>(
+                    static_cast<const char*>(std::memchr(buffer + start, '\0', size - start)) -
+                    buffer) +
+                1;
+    const auto* end = static_cast<const char*>(std::memchr(buffer + start, '\0', size - start));
+    return {buffer + start, static_cast<std::size_t>(end - (buffer + start))};
+}
+
+void FoldedNoteTable::keepMatching(std::string_view word, SlotSet& slots) const {
+    slots.forEach(0, slots.size(), [&](std::size_t slot) {
+        if (foldedText(slot).find(word) == std::string_view::npos)
+            slots.erase(slot);
+        return true;
+    });
 }
 
 std::size_t FoldedNoteTable::slotOf(const NotebookNode* node) const {
@@ -137,6 +169,7 @@ FoldedNoteTable::Key FoldedNoteTable::nextKeyAfter(Key key) const {
 void FoldedNoteTable::append(NotebookNode* node, std::string_view text, const std::string* url,
                              Key key, bool deleted) {
     const std::size_t slot = m_nodes.size();
+    startSlot();
     m_nodes.push_back(node);
     m_addedKeys.push_back(key);
     folding::appendFolded(text, m_buffer);
@@ -193,7 +226,8 @@ std::vector<std::size_t> FoldedNoteTable::firstInOrder(const SlotSet& slots,
 
 std::size_t FoldedNoteTable::memoryBytes() const {
     return m_buffer.capacity() + m_nodes.capacity() * sizeof(NotebookNode*) +
-           m_addedKeys.capacity() * sizeof(Key) + m_live.memoryBytes() + m_deleted.memoryBytes();
+           m_blockStarts.capacity() * sizeof(std::size_t) + m_addedKeys.capacity() * sizeof(Key) +
+           m_live.memoryBytes() + m_deleted.memoryBytes();
 }
 
 } // namespace quillery

@@ -61,8 +61,11 @@ public:
     std::size_t churn() const { return m_nodes.size() - m_builtSlots + m_removedBuiltSlots; }
     std::size_t builtSlots() const { return m_builtSlots; }
 
-    // The slots whose folded text holds the folded word.
+    // The slots whose folded text holds the folded word: a pass over the whole buffer.
     SlotSet matching(std::string_view word) const;
+    // Takes out of the set the slots whose text does not hold the word, looking at each member's
+    // text alone: cheaper than matching() while the set is below about a 128th of the slots.
+    void keepMatching(std::string_view word, SlotSet& slots) const;
     // The slots that hold a note, without deleted notes unless asked.
     SlotSet candidates(bool includeDeleted) const;
     // The first `limit` members in tree order.
@@ -71,9 +74,13 @@ public:
     std::size_t memoryBytes() const;
 
 private:
+    void startSlot();
+    std::string_view foldedText(std::size_t slot) const;
+
     std::string m_buffer;
     std::vector<NotebookNode*> m_nodes;
-    std::vector<Key> m_addedKeys; // keys of the slots made after the build
+    std::vector<std::size_t> m_blockStarts; // where slot 32·i starts in the buffer
+    std::vector<Key> m_addedKeys;           // keys of the slots made after the build
     SlotSet m_live;
     SlotSet m_deleted;
     std::size_t m_builtSlots = 0;

@@ -15,6 +15,8 @@ std::size_t rebuildThreshold(const FoldedNoteTable& table) {
 }
 
 constexpr std::size_t kCachedWords = 8;
+// Below this share of all notes, candidates are checked one by one instead of scanning the buffer.
+constexpr std::size_t kCheckEachShare = 128;
 
 // The notes under `top`, itself first, in tree order; an explicit stack, since trees may be a
 // million deep.
@@ -228,10 +230,16 @@ NotebookNode* SearchIndex::precedingNode(const NotebookNode& node) const {
     return last;
 }
 
-const SlotSet& SearchIndex::slotsMatching(const std::string& word) {
+const SlotSet* SearchIndex::cachedSlots(const std::string& word) const {
     for (const auto& [cachedWord, slots] : m_wordCache)
         if (cachedWord == word)
-            return slots;
+            return &slots;
+    return nullptr;
+}
+
+const SlotSet& SearchIndex::slotsMatching(const std::string& word) {
+    if (const SlotSet* known = cachedSlots(word))
+        return *known;
     if (m_wordCache.size() >= kCachedWords)
         m_wordCache.erase(m_wordCache.begin());
     return m_wordCache.emplace_back(word, m_table->matching(word)).second;
@@ -245,9 +253,26 @@ SearchResults SearchIndex::find(std::string_view query, bool includeDeleted, std
     const std::vector<std::string> words = folding::queryWords(query);
     if (words.empty())
         return results;
+    // The words whose notes are known narrow the search for the others: those notes hold every
+    // word of the query, and a word found within a new one (the same word one letter shorter,
+    // while typing) holds all the notes the new one can be in.
     SlotSet slots = m_table->candidates(includeDeleted);
-    for (const std::string& word : words)
-        slots &= slotsMatching(word);
+    std::vector<const std::string*> unknown;
+    for (const std::string& word : words) {
+        if (const SlotSet* known = cachedSlots(word))
+            slots &= *known;
+        else
+            unknown.push_back(&word);
+    }
+    for (const std::string* word : unknown) {
+        for (const auto& [cachedWord, cached] : m_wordCache)
+            if (word->find(cachedWord) != std::string::npos)
+                slots &= cached;
+        if (slots.count() <= m_table->slotCount() / kCheckEachShare)
+            m_table->keepMatching(*word, slots);
+        else
+            slots &= slotsMatching(*word);
+    }
     results.total = slots.count();
     for (std::size_t slot : m_table->firstInOrder(slots, limit))
         results.hits.push_back({m_table->node(slot), m_table->isDeleted(slot)});

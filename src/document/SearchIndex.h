@@ -70,6 +70,7 @@ private:
     void removeSubtree(NotebookNode& node);
     const NotebookNode* rootOf(const NotebookNode& node) const;
     NotebookNode* precedingNode(const NotebookNode& node) const;
+    const SlotSet* cachedSlots(const std::string& word) const;
     const SlotSet& slotsMatching(const std::string& word);
 
     Document& m_document;

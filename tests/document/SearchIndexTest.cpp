@@ -194,22 +194,37 @@ TEST_F(Searching, CountsAllButListsTheFirstInTreeOrder) {
     EXPECT_EQ(results.hits.back().node->text(), "crate 499");
 }
 
-TEST_F(Searching, CountsAsAPlainSearchOfEachNoteDoes) {
-    // Notes of every length put words across every boundary of the scan's 64-byte steps.
+TEST_F(Searching, CountsAsAPlainSearchOfEachNoteDoesWhileTyping) {
+    // Notes of every length put words across every boundary of the scan's 64-byte steps; the
+    // numbers make words rare enough to be checked note by note as they are typed.
     std::vector<std::string> notes{"Groceries", "apple pie", "pear", "Garden", "apple tree"};
-    for (std::size_t k = 0; k < 300; ++k) {
-        notes.push_back(std::string(k % 97, 'a') + "bc" + std::string(k % 7, 'd') + "\nEf");
+    for (std::size_t k = 0; k < 3000; ++k) {
+        notes.push_back(std::string(k % 97, 'a') + "bc" + std::string(k % 7, 'd') + "\nEf" +
+                        std::to_string(k));
         addNote(garden, notes.back());
     }
     SearchIndex index(m_document);
     index.waitUntilReady();
-    for (const char* word :
-         {"a", "ab", "abc", "bcd", "cd", "cdd", "ddd", "ef", "f", "aaaaaaaaaaaaab"}) {
-        const auto expected =
+    // Edited notes move to the slots after the built ones.
+    for (std::size_t k : {500u, 1500u}) {
+        notes[5 + k] = "Edited 2999 and abcdd " + std::to_string(k);
+        m_document.userDidModify(*garden->children()[k + 1], notes[5 + k]);
+    }
+    auto count = [&](const std::vector<std::string>& words) {
+        return static_cast<std::size_t>(
             std::count_if(notes.begin(), notes.end(), [&](const std::string& text) {
-                return folding::fold(text).find(word) != std::string::npos;
-            });
-        EXPECT_EQ(index.find(word, false).total, static_cast<std::size_t>(expected)) << word;
+                return std::all_of(words.begin(), words.end(), [&](const std::string& word) {
+                    return folding::fold(text).find(word) != std::string::npos;
+                });
+            }));
+    };
+    for (const std::string query :
+         {"aaaaaaaaaaaaab", "bcd", "cdd", "ef2999", "2999", "ddd 1234", "ef 123 dd", "abc 100"}) {
+        for (std::size_t typed = 1; typed <= query.size(); ++typed) {
+            const std::string prefix = query.substr(0, typed);
+            EXPECT_EQ(index.find(prefix, false).total, count(folding::queryWords(prefix)))
+                << prefix;
+        }
     }
 }
 
