@@ -69,6 +69,9 @@ DocumentActions DocumentActions::create(QMainWindow& window) {
     actions.redo =
         addAction(edit, trMenu("&Redo"), QStringLiteral("actionRedo"), QKeySequence::Redo);
     edit->addSeparator();
+    actions.cut = addAction(edit, trMenu("Cu&t"), QStringLiteral("actionCut"), QKeySequence::Cut);
+    actions.copy =
+        addAction(edit, trMenu("&Copy"), QStringLiteral("actionCopy"), QKeySequence::Copy);
     actions.paste =
         addAction(edit, trMenu("&Paste"), QStringLiteral("actionPaste"), QKeySequence::Paste);
     edit->addSeparator();
@@ -83,6 +86,11 @@ DocumentActions DocumentActions::create(QMainWindow& window) {
     actions.findPrevious->setShortcuts(
         {QKeySequence(Qt::SHIFT | Qt::Key_F3), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_G)});
 
+    QMenu* view = bar->addMenu(trMenu("&View"));
+    actions.deletedNotes =
+        addAction(view, trMenu("&Deleted Notes"), QStringLiteral("actionDeletedNotes"),
+                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_D));
+
     // Ctrl+N and Ctrl+P move within a focused column, and Return edits there, so the Note
     // commands use keys no column claims.
     QMenu* note = bar->addMenu(trMenu("&Note"));
@@ -93,6 +101,24 @@ DocumentActions DocumentActions::create(QMainWindow& window) {
                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_B));
     actions.editNote = addAction(note, trMenu("&Edit Note"), QStringLiteral("actionEditNote"),
                                  QKeySequence(Qt::Key_F2));
+    // The column takes Delete itself; the shortcut is shown here so the menu teaches it.
+    actions.deleteNote = addAction(note, trMenu("&Delete"), QStringLiteral("actionDeleteNote"),
+                                   QKeySequence(Qt::Key_Delete));
+    note->addSeparator();
+    note->addActions({actions.cut, actions.copy, actions.paste});
+    note->addSeparator();
+    QMenu* move = note->addMenu(trMenu("&Move"));
+    move->setObjectName(QStringLiteral("menuMove"));
+    actions.moveUp = addAction(move, trMenu("&Up"), QStringLiteral("actionMoveUp"),
+                               QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Up));
+    actions.moveDown = addAction(move, trMenu("&Down"), QStringLiteral("actionMoveDown"),
+                                 QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Down));
+    actions.moveOut =
+        addAction(move, trMenu("&Out, After Its Parent"), QStringLiteral("actionMoveOut"),
+                  QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Left));
+    actions.moveIn =
+        addAction(move, trMenu("&In, Under the Note Above"), QStringLiteral("actionMoveIn"),
+                  QKeySequence(Qt::ALT | Qt::SHIFT | Qt::Key_Right));
 
     QMenu* help = bar->addMenu(trMenu("&Help"));
     actions.help = addAction(help, trMenu("Quillery &Help"), QStringLiteral("actionHelp"),

@@ -4,6 +4,7 @@
 #include "app/DocumentController.h"
 #include "app/DocumentPrompts.h"
 #include "app/FindBar.h"
+#include "app/NoteCommands.h"
 #include "app/RevealNote.h"
 #include "columns/EditNodeViewController.h"
 #include "columns/ListViewController.h"
@@ -220,6 +221,7 @@ void DocumentWindow::connectActions() {
             [this] { sendToActiveColumn(&ListViewController::didTapAddNodeBeneath); });
     connect(m_actions.editNote, &QAction::triggered, this,
             [this] { sendToActiveColumn(&ListViewController::didTapEditNode); });
+    m_noteCommands = new NoteCommands(*this, m_actions);
     AppDelegate* app = m_controller.appDelegate();
     for (QAction* action : {m_actions.help, m_actions.sendFeedback, m_actions.followOnSocialNetwork,
                             m_actions.about}) {
@@ -261,6 +263,7 @@ void DocumentWindow::showContent() {
 }
 
 void DocumentWindow::documentDidChange() {
+    m_noteCommands->documentDidChange();
     updateTitle();
     updateActions();
     if (m_document->fileLocation() && m_document->hasUnsavedChanges()) {
@@ -292,6 +295,7 @@ void DocumentWindow::updateActions() {
     for (QAction* action : {m_actions.find, m_actions.findNext, m_actions.findPrevious}) {
         action->setEnabled(browsing);
     }
+    m_noteCommands->setBrowsing(browsing);
     m_actions.revert->setEnabled(m_document->fileLocation().has_value());
     updatePasteAction();
 }

@@ -18,6 +18,7 @@ class FindBar;
 class ListViewController;
 class MyHorizontalScrollViewController;
 class MySplitViewController;
+class NoteCommands;
 class UndoManager;
 
 // One open notebook: owns its document and undo history and shows the columns. Saves in place a
@@ -94,6 +95,7 @@ private:
     MyHorizontalScrollViewController* m_content = nullptr;
     FindBar* m_findBar = nullptr; // above the columns, in the central widget with them
     DocumentActions m_actions;
+    NoteCommands* m_noteCommands = nullptr;
     QTimer m_autosaveTimer;
     // One warning per run of failing autosaves, not one per change.
     bool m_autosaveFailed = false;

@@ -11,7 +11,8 @@ namespace {
 bool askToDelete(QWidget* parent) {
     QMessageBox box(QMessageBox::Warning, QMessageBox::tr("Are you sure?"),
                     QMessageBox::tr("Are you sure?"), QMessageBox::NoButton, parent);
-    box.setInformativeText(QMessageBox::tr("You can un-delete this later somehow..."));
+    box.setInformativeText(QMessageBox::tr(
+        "Deleted notes can be found in View → Deleted Notes, where Put Back returns them."));
     QPushButton* deleteButton =
         box.addButton(QMessageBox::tr("Delete"), QMessageBox::DestructiveRole);
     QPushButton* cancelButton = box.addButton(QMessageBox::tr("Cancel"), QMessageBox::RejectRole);

@@ -14,15 +14,6 @@
 
 namespace quillery {
 
-namespace {
-
-const Identifier& deletedRootIdentifier() {
-    static const Identifier identifier("deleted");
-    return identifier;
-}
-
-} // namespace
-
 ListViewController::Private::Private(ListViewController* column, Document* doc)
     : q(column)
     , document(doc)
@@ -129,8 +120,7 @@ void ListViewController::Private::deleteSelectedNode() {
         return;
     if (!node->isEmpty() && prompts.confirmDelete && !prompts.confirmDelete(q))
         return;
-    if (const NodePtr deleted = document->node(deletedRootIdentifier()))
-        document->userDidMove(*node, *deleted);
+    document->userDidDelete(*node);
 }
 
 void ListViewController::Private::addNewNodeAtIndex(std::size_t index) {

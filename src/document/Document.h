@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/DeletionOrigins.h"
 #include "document/DocumentUpdate.h"
 #include "document/NodeIndex.h"
 #include "document/NotebookDataStore.h"
@@ -76,6 +77,23 @@ public:
     void userDidMove(NotebookNode& child, const NotebookNode& toParent,
                      std::optional<std::size_t> at = std::nullopt);
     void userDidMove(NotebookNode& child, std::size_t to);
+
+    // Deleting moves the note to the end of the deleted notes; the record also says where the note
+    // stood, so that it can be put back there later, also by another installation.
+    void userDidDelete(NotebookNode& node, const char* actionName = "Delete Note");
+    // Where a deleted note goes back to: its former parent at its former place while that parent
+    // is in the notebook outside the deleted notes, else the end of the top level (no index).
+    struct Place {
+        NodePtr parent;
+        std::optional<std::size_t> index;
+    };
+    Place putBackPlace(const NotebookNode& node) const;
+    void userDidPutBack(NotebookNode& node);
+    const DeletionOrigin* deletionOrigin(const Identifier& node) const {
+        return m_deletionOrigins.find(node);
+    }
+    // Whether the node stands in the tree under the root, not among the deleted notes.
+    bool isInNotebook(const NotebookNode& node) const;
 
     // The record that takes a forward record back, read off the tree before it is applied.
     DocumentDiff reverseDiff(const DocumentDiff& forward) const;
@@ -157,6 +175,7 @@ private:
     NodeIndex m_nodeLookup;
     bool m_journalingEnabled = true;
     ImageStore m_images;
+    DeletionOrigins m_deletionOrigins;
     std::optional<std::filesystem::path> m_fileLocation;
     UndoManager* m_undoManager = nullptr;
     std::int64_t m_changeCount = 0;

@@ -161,6 +161,8 @@ std::optional<DocumentUpdate> Document::applyChange(const NodePtr& target,
                 reorder(*target, key, value, outcome);
         } else if (key == "parent") {
             reparent(target, value, payload, outcome);
+        } else if (DeletionOrigins::isKey(key)) {
+            continue; // read by reparent()
         } else {
             diagnostics::writeLine("Unrecognized diff");
         }
@@ -248,6 +250,7 @@ void Document::reparent(const NodePtr& target, const PlainValue& value,
     insertChild(*destination, insertAt, target);
     outcome.newIndex = insertAt;
     outcome.newParent = destination->identifier();
+    m_deletionOrigins.noteMoved(target->identifier(), newParentIdentifier, payload);
 }
 
 } // namespace quillery

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "app/DeletedNotesDialog.h"
+
+#include <QObject>
+#include <QPointer>
+
+class QMenu;
+
+namespace quillery {
+
+class DocumentWindow;
+class ListViewController;
+struct DocumentActions;
+
+// The Note menu's commands that act on the selected note of the window's active column (delete,
+// copy, cut, the keyboard moves) and the context menu of a column's rows. The window owns it.
+class NoteCommands : public QObject {
+    Q_OBJECT
+
+public:
+    NoteCommands(DocumentWindow& window, const DocumentActions& actions);
+
+    // The commands wait while a panel is shown, as the columns do.
+    void setBrowsing(bool browsing);
+    // The menu shown on a right-click or the Menu key over a column; null when none is open.
+    QMenu* contextMenu() const { return m_contextMenu; }
+    // View > Deleted Notes, made the first time it is asked for; null before.
+    DeletedNotesDialog* deletedNotesDialog() const { return m_deletedNotes; }
+    void showDeletedNotes();
+    // The window's document changed (or was replaced): the deleted notes follow.
+    void documentDidChange();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    ListViewController* activeColumn() const;
+    void showContextMenu(ListViewController& column, const QPoint& globalPosition);
+
+    DocumentWindow& m_window;
+    const DocumentActions& m_actions;
+    QMenu* m_contextMenu = nullptr;
+    QPointer<DeletedNotesDialog> m_deletedNotes;
+};
+
+} // namespace quillery

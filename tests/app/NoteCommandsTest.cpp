@@ -1,0 +1,167 @@
+#include "QtPrinters.h"
+#include "app/AppDelegate.h"
+#include "app/AppFixture.h"
+#include "app/DeletedNotesDialog.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <vector>
+
+namespace quillery {
+namespace {
+
+// A shown notebook holding A(a1 a2) B C, its first column focused on A.
+class NoteCommandsTest : public AppFixture {
+protected:
+    NoteCommandsTest() {
+        window = controller.newDocument();
+        Document& document = window->document();
+        const NodePtr a = add(document.rootNode(), "A");
+        add(a, "a1");
+        add(a, "a2");
+        add(document.rootNode(), "B");
+        add(document.rootNode(), "C");
+        window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+        window->splitViewController()->column(0)->makeFirstResponder();
+        QApplication::processEvents();
+    }
+    ~NoteCommandsTest() override { QGuiApplication::clipboard()->clear(); }
+
+    NodePtr add(const NodePtr& parent, const std::string& text) {
+        Document& document = window->document();
+        const NodePtr note = NotebookNode::create(parent->identifier(), text);
+        document.add(*note, *parent, -1);
+        return document.node(note->identifier());
+    }
+
+    static std::string describe(const NotebookNode& node) {
+        std::string out;
+        for (const NodePtr& child : node.children()) {
+            out += out.empty() ? "" : " ";
+            out += child->imageIdentifier() ? "[picture]" : child->text();
+            if (!child->children().empty())
+                out += "(" + describe(*child) + ")";
+        }
+        return out;
+    }
+
+    static void press(QKeyCombination key) {
+        ASSERT_NE(QApplication::focusWidget(), nullptr);
+        QTest::keyClick(QApplication::focusWidget(), key.key(), key.keyboardModifiers());
+    }
+
+    ListViewController* focusedColumn() const {
+        return AppDelegate::columnContaining(QApplication::focusWidget());
+    }
+
+    static QAction& action(DocumentWindow& window, const char* name) {
+        auto* found = window.findChild<QAction*>(QString::fromLatin1(name));
+        EXPECT_NE(found, nullptr) << name;
+        return *found;
+    }
+
+    DocumentWindow* window = nullptr;
+};
+
+struct KeyCase {
+    const char* name;
+    std::vector<QKeyCombination> keys;
+    const char* outline;
+    const char* selected; // in the focused column afterwards
+    int depth;            // of the focused column
+    const char* undo;     // the Edit menu's Undo command afterwards
+
+    friend void PrintTo(const KeyCase& c, std::ostream* out) { *out << c.name; }
+};
+
+constexpr QKeyCombination kUp = Qt::ALT | Qt::SHIFT | Qt::Key_Up;
+constexpr QKeyCombination kDown = Qt::ALT | Qt::SHIFT | Qt::Key_Down;
+constexpr QKeyCombination kOut = Qt::ALT | Qt::SHIFT | Qt::Key_Left;
+constexpr QKeyCombination kIn = Qt::ALT | Qt::SHIFT | Qt::Key_Right;
+constexpr QKeyCombination kUndo = Qt::CTRL | Qt::Key_Z;
+constexpr QKeyCombination kNext = Qt::Key_Down;
+constexpr QKeyCombination kRight = Qt::Key_Right;
+
+const KeyCase kKeyCases[] = {
+    {"DownAmongSiblings", {kDown}, "B A(a1 a2) C", "A", 0, "&Undo Reorder Note"},
+    {"UpFromTheTopStays", {kUp}, "A(a1 a2) B C", "A", 0, "&Undo"},
+    {"UpAndDownAgain", {kNext, kNext, kUp, kUp}, "C A(a1 a2) B", "C", 0, "&Undo Reorder Note"},
+    {"DownFromTheBottomStays", {kNext, kNext, kDown}, "A(a1 a2) B C", "C", 0, "&Undo"},
+    {"InUnderTheNoteAbove", {kNext, kIn}, "A(a1 a2 B) C", "B", 1, "&Undo Move Note"},
+    {"InFromTheFirstRowStays", {kIn}, "A(a1 a2) B C", "A", 0, "&Undo"},
+    {"OutAfterItsParent", {kRight, kNext, kOut}, "A(a1) a2 B C", "a2", 0, "&Undo Move Note"},
+    {"OutFromTheTopLevelStays", {kOut}, "A(a1 a2) B C", "A", 0, "&Undo"},
+    {"OutAndInAgain", {kRight, kOut, kIn}, "A(a2 a1) B C", "a1", 1, "&Undo Move Note"},
+    {"UndoneAtOnce", {kNext, kIn, kUndo}, "A(a1 a2) B C", "a2", 1, "&Undo"},
+};
+
+class KeyCommands : public NoteCommandsTest, public testing::WithParamInterface<KeyCase> {};
+
+TEST_P(KeyCommands, ChangeTheOutlineAndTheSelectionFollows) {
+    const KeyCase& test = GetParam();
+    for (const QKeyCombination key : test.keys)
+        press(key);
+    EXPECT_EQ(describe(*window->document().rootNode()), test.outline);
+    ListViewController* column = focusedColumn();
+    ASSERT_NE(column, nullptr);
+    EXPECT_EQ(column->nodeDepth(), test.depth);
+    ASSERT_NE(column->selectedNode(), nullptr);
+    EXPECT_EQ(column->selectedNode()->text(), test.selected);
+    EXPECT_EQ(action(*window, "actionUndo").text(), QString::fromLatin1(test.undo));
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, KeyCommands, testing::ValuesIn(kKeyCases),
+                         [](const auto& caseInfo) { return std::string(caseInfo.param.name); });
+
+TEST_F(NoteCommandsTest, DeletedNotesShowTheLatestFirstAndReturnPutsOneBack) {
+    Document& document = window->document();
+    const NodePtr a = document.rootNode()->children()[0];
+    document.userDidDelete(*a->children()[1]);
+    document.userDidDelete(*document.rootNode()->children()[1]);
+
+    press(Qt::CTRL | Qt::SHIFT | Qt::Key_D);
+    auto* dialog = window->findChild<DeletedNotesDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    QTreeWidget* list = dialog->list();
+    ASSERT_EQ(list->topLevelItemCount(), 2);
+    EXPECT_EQ(list->topLevelItem(0)->text(0), QStringLiteral("B"));
+    EXPECT_EQ(list->topLevelItem(0)->text(1), QStringLiteral("Top level"));
+    EXPECT_EQ(list->topLevelItem(1)->text(1), QStringLiteral("A"));
+
+    QTest::keyClick(list, Qt::Key_Return);
+
+    EXPECT_EQ(describe(*document.rootNode()), "A(a1) B C");
+    ASSERT_EQ(list->topLevelItemCount(), 1);
+    EXPECT_EQ(list->topLevelItem(0)->text(0), QStringLiteral("a2"));
+    action(*window, "actionUndo").trigger();
+    EXPECT_EQ(describe(*document.rootNode()), "A(a1) C");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return list->topLevelItemCount() == 2; }));
+}
+
+TEST_F(NoteCommandsTest, TheMenuKeyOpensTheRowsCommandsOnTheSelectedNote) {
+    QContextMenuEvent request(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QApplication::sendEvent(QApplication::focusWidget(), &request);
+
+    QMenu* menu = window->findChild<QMenu*>(QStringLiteral("noteContextMenu"));
+    ASSERT_NE(menu, nullptr);
+    QStringList names;
+    for (QAction* each : menu->actions())
+        names.append(each->objectName());
+    EXPECT_EQ(names,
+              (QStringList{QStringLiteral("actionEditNote"), QStringLiteral("actionAddNoteBeneath"),
+                           QString(), QStringLiteral("actionCopy"), QStringLiteral("actionCut"),
+                           QStringLiteral("actionPaste"), QString(),
+                           QStringLiteral("actionDeleteNote")}));
+    menu->close();
+}
+
+} // namespace
+} // namespace quillery
