@@ -71,6 +71,17 @@ std::size_t countNotes(const NotebookNode& node) {
     return count;
 }
 
+bool standsInTree(const Document& document, const Identifier& identifier) {
+    NodePtr node = document.node(identifier);
+    const NotebookNode* current = node.get();
+    for (std::size_t steps = 0; current && steps <= document.nodeCount(); ++steps) {
+        if (current == document.rootNode().get() || current == document.deletedRootNode().get())
+            return true;
+        current = current->parentNode();
+    }
+    return false;
+}
+
 } // namespace
 
 int runNewCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
@@ -157,6 +168,11 @@ int runAddCommand(const std::vector<std::string>& arguments, std::ostream& out, 
     document.userDidAdd(*note, *parent, at.value_or(-1));
     if (!session.saveInPlace())
         return kPackageFailure;
+    // The save merged what other writers added meanwhile; the note must still stand in the tree.
+    if (!standsInTree(document, note->identifier())) {
+        err << "quillery-cli: the note was saved but has no place in “" << *location << "”.\n";
+        return kPackageFailure;
+    }
     out << note->identifier().toString() << '\n';
     return kSuccess;
 }

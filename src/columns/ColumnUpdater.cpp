@@ -82,6 +82,9 @@ void ColumnUpdater::apply(const DocumentUpdate& update) {
             m_model.refreshRow(m_model.rowShowing(*parent));
         break;
     }
+    case NodeUpdateType::reloadedTree:
+        // The window rebuilds its columns from the new tree.
+        break;
     }
 }
 

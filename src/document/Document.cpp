@@ -1,6 +1,7 @@
 #include "document/Document.h"
 
 #include "document/Preferences.h"
+#include "storage/PackageLayout.h"
 
 #include <algorithm>
 
@@ -20,11 +21,20 @@ Document::Document(Preferences& preferences, const PictureCodec* pictureCodec, C
     : m_clock(clock ? std::move(clock) : Clock([] { return std::chrono::system_clock::now(); }))
     , m_lastModified(now())
     , m_images(pictureCodec) {
-    if (std::optional<std::string> stored = preferences.string(kClientIdentifierKey)) {
+    const std::optional<std::string> stored = preferences.string(kClientIdentifierKey);
+    const std::optional<std::string> machine = preferences.machineIdentifier();
+    const std::optional<std::string> madeOn = preferences.string(kClientMachineKey);
+    const bool madeElsewhere = machine && madeOn && *madeOn != *machine;
+    if (stored && !madeElsewhere) {
         m_clientIdentifier = Identifier(*stored);
     } else {
         m_clientIdentifier = Identifier::makeRandom();
         preferences.setString(kClientIdentifierKey, m_clientIdentifier.toString());
+    }
+    // Preferences written before machines were recorded belong to the machine that reads them.
+    if (!stored || madeElsewhere || (machine && !madeOn)) {
+        if (machine)
+            preferences.setString(kClientMachineKey, *machine);
         preferences.synchronize();
     }
     m_rootNode = std::make_shared<NotebookNode>(Identifier("root"), Identifier("none"), "");
@@ -94,6 +104,9 @@ bool Document::liesWithin(const NotebookNode& candidate, const Identifier& ances
 }
 
 void Document::appendDiff(DocumentDiff diff) {
+    // A record of now comes after everything applied, unless this machine's clock is behind.
+    if (WholeSeconds(diff.timestamp) >= m_lastAppliedTime)
+        setLastApplied(diff.timestamp, package_layout::journalFileName(m_clientIdentifier));
     m_diffs.push_back(std::move(diff));
     touch();
 }

@@ -6,20 +6,29 @@
 #include "document/NotebookDataStore.h"
 #include "document/UndoManager.h"
 #include "model/DocumentDiff.h"
+#include "model/JournalMerge.h"
 #include "model/NotebookNode.h"
+#include "storage/FileIdentity.h"
 #include "storage/ImageStore.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace quillery {
 
 class Preferences;
+class ReplayRun;
+
+// Written when a record names a parent that no record creates.
+inline constexpr std::string_view kCouldNotFindParentLine =
+    "Couldn't find parent! All nodes must have a parent.";
 
 // The in-memory notebook: the tree under the two roots "root" and "deleted", the index from
 // identifier to node, this client's log of records, the undo and redo stacks and the pictures.
@@ -130,11 +139,58 @@ public:
     PicturePtr image(const Identifier& key) const;
     std::optional<std::filesystem::path> url(const Identifier& imageKey) const;
 
+    // Several processes and machines write one package. These keep an open document in step.
+
+    // This client's journal as this process last read or wrote it: a save reads the journal
+    // again, and keeps what another process added, only when it changed since.
+    const std::optional<FileIdentity>& ownJournalIdentity() const { return m_ownJournalIdentity; }
+    void setOwnJournalIdentity(std::optional<FileIdentity> identity) {
+        m_ownJournalIdentity = identity;
+    }
+    // Records of this client's journal that another process of this installation (the
+    // command-line tool, a second app) or a machine of the same identity wrote. Saving writes them
+    // with the log; undo never takes them back.
+    const std::vector<DocumentDiff>& adoptedDiffs() const { return m_adoptedDiffs; }
+    // Takes the records of copies of this client's journal read from disk: those neither the log
+    // nor the adopted records hold are adopted and merged into the tree. Gives how many.
+    std::size_t adoptOwnJournalRecords(std::vector<std::vector<DocumentDiff>> copies);
+    // What a save writes as this client's journal: the log and the adopted records.
+    std::vector<DocumentDiff> journalRecords() const;
+
+    // How far each journal file of the package was applied (see JournalMark), by name.
+    const std::map<std::string, JournalMark>& journalMarks() const { return m_journalMarks; }
+    void setJournalMark(const std::string& journalName, JournalMark mark) {
+        m_journalMarks[journalName] = mark;
+    }
+    // The place in the package's merged order of the last record applied: its stamp and the name
+    // of its journal file. Set by a read; edits and merges move it on.
+    void setLastApplied(TimePoint timestamp, std::string journalName);
+
+    enum class MergeOutcome { nothingNew, applied, needsReplay };
+    // Records that journals of the open package gained at their end, each list after the records
+    // of its file already applied (package::readChanges finds them). When all of them come after
+    // everything applied in the package's merged order, and each finds the notes it needs, they
+    // are applied in that order with the ordinary notifications: `applied`. Otherwise nothing
+    // changes and the answer is `needsReplay`: replay the package off the main thread
+    // (package::replay) and hand the result to adoptReplayedTree().
+    MergeOutcome mergeRecords(std::vector<NamedRecords> appended);
+    // Whether records reached this document that only a replay can place (see mergeRecords):
+    // set when a save adopted such records from disk; cleared by adoptReplayedTree().
+    bool needsReplay() const { return m_needsReplay; }
+    // Takes the tree, pictures found on disk and journal marks of a document of the same client
+    // freshly read from the package, keeping this document's log, adopted records, undo and
+    // redo stacks and observers; records of this client's journal that the fresh read found are
+    // adopted. Announces one `reloadedTree` update: views rebuild and find their notes again by
+    // identifier.
+    void adoptReplayedTree(Document& fresh);
+
     // Where the package lives; absent until the document was read from or saved to disk.
     const std::optional<std::filesystem::path>& fileLocation() const { return m_fileLocation; }
     void setFileLocation(std::optional<std::filesystem::path> location);
 
 private:
+    friend class ReplayRun;
+
     struct ObserverEntry {
         ObserverId id;
         Observer observer;
@@ -186,6 +242,14 @@ private:
     bool m_lastEditJournaled = false;
     // Counts records that took nodes out of the tree for good, which may free them.
     std::uint64_t m_removals = 0;
+    // Parents that records of the last replay named but no record created.
+    std::vector<Identifier> m_unresolvedParents;
+    std::optional<FileIdentity> m_ownJournalIdentity;
+    std::vector<DocumentDiff> m_adoptedDiffs;
+    std::map<std::string, JournalMark> m_journalMarks;
+    TimePoint m_lastAppliedTime{};
+    std::string m_lastAppliedJournal;
+    bool m_needsReplay = false;
 };
 
 } // namespace quillery

@@ -6,9 +6,6 @@ namespace quillery {
 
 namespace {
 
-constexpr std::string_view kCouldNotFindParent =
-    "Couldn't find parent! All nodes must have a parent.";
-
 bool isRoot(const NotebookNode& node) {
     static const Identifier root("root");
     static const Identifier deleted("deleted");
@@ -102,7 +99,7 @@ std::optional<DocumentUpdate> Document::applyCreation(const DocumentDiff& diff) 
         return std::nullopt;
     NotebookNode* parent = m_nodeLookup.find(created->parentIdentifier());
     if (!parent) {
-        diagnostics::writeLine(kCouldNotFindParent);
+        diagnostics::writeLine(kCouldNotFindParentLine);
         return std::nullopt;
     }
     const std::size_t index = placementIndex(*parent, diff.payload, m_nodeLookup);
@@ -228,7 +225,7 @@ void Document::reparent(const NodePtr& target, const PlainValue& value,
     // tree whole: two machines that moved two notes into each other must not cut a branch off.
     NotebookNode* destination = m_nodeLookup.find(newParentIdentifier);
     if (!destination) {
-        diagnostics::writeLine(kCouldNotFindParent);
+        diagnostics::writeLine(kCouldNotFindParentLine);
         return;
     }
     // Walked up even for a note without children: notes left behind when an earlier node of its

@@ -14,6 +14,9 @@ enum class NodeUpdateType {
     destroyedNode,
     movedWithinParent,
     changedParent,
+    // The whole tree was replaced (a replay of the package while it was open); only `node` (the
+    // root) is set. Views rebuild and find their notes again by identifier.
+    reloadedTree,
 };
 
 // What one applied record did. Which optional fields are set depends on the kind:

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
 #include <simdjson.h>
 #include <unistd.h>
 
@@ -68,9 +69,14 @@ void reportFailure(const std::filesystem::path& file, const char* what) {
 
 } // namespace
 
-JsonFilePreferences::JsonFilePreferences(std::filesystem::path file)
+JsonFilePreferences::JsonFilePreferences(std::filesystem::path file,
+                                         std::filesystem::path machineFile)
     : m_file(std::move(file)) {
     m_entries = load(m_file).value_or(Entries{});
+    std::ifstream machine(machineFile);
+    std::string line;
+    if (std::getline(machine, line) && !line.empty())
+        m_machine = line;
 }
 
 std::filesystem::path JsonFilePreferences::defaultLocation() {

@@ -18,7 +18,8 @@ namespace quillery {
 // it aside to "<file>.corrupt" (replacing an older backup), so nothing is overwritten unseen.
 class JsonFilePreferences : public Preferences {
 public:
-    explicit JsonFilePreferences(std::filesystem::path file = defaultLocation());
+    explicit JsonFilePreferences(std::filesystem::path file = defaultLocation(),
+                                 std::filesystem::path machineFile = "/etc/machine-id");
 
     // $XDG_CONFIG_HOME/quillery/preferences.json, or ~/.config/quillery/preferences.json.
     static std::filesystem::path defaultLocation();
@@ -28,6 +29,8 @@ public:
     // Writes the keys set since the last save over what the file holds now, so values another
     // process saved in between survive. Failures write one diagnostic line; values stay in memory.
     void synchronize() override;
+    // The first line of the machine file (systemd's machine identifier).
+    std::optional<std::string> machineIdentifier() const override { return m_machine; }
 
     const std::filesystem::path& file() const { return m_file; }
 
@@ -45,6 +48,7 @@ private:
     bool writeAtomically(const Entries& entries);
 
     std::filesystem::path m_file;
+    std::optional<std::string> m_machine;
     Entries m_entries;
     std::set<std::string, std::less<>> m_changedKeys;
 };

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "document/HugePageAllocator.h"
+#include "storage/FileIdentity.h"
 
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -55,6 +57,13 @@ public:
     virtual std::error_code close() = 0;
 };
 
+// An advisory lock on a file, held until this object is gone. The kernel drops it when the
+// holder dies, so a crashed holder never leaves it locked.
+class FileLock {
+public:
+    virtual ~FileLock() = default;
+};
+
 // The file operations packages are read and written with. Packages come from elsewhere, so no
 // operation follows a symbolic link at the end of the path it is given: links are reported, not
 // opened. The real implementation is PosixFileSystem; tests inject failures through a fake.
@@ -90,6 +99,11 @@ public:
     virtual std::error_code removeTree(const std::filesystem::path& path) = 0;
     // Makes the directory's entries (creations, renames) durable.
     virtual std::error_code syncDirectory(const std::filesystem::path& path) = 0;
+    // The entry itself (links are not followed); nothing when it is missing.
+    virtual std::optional<FileIdentity> identity(const std::filesystem::path& path) = 0;
+    // Waits for an exclusive lock on the file, making it and its folder when missing.
+    virtual std::error_code lockExclusively(const std::filesystem::path& path,
+                                            std::unique_ptr<FileLock>& lock) = 0;
 };
 
 } // namespace quillery

@@ -46,4 +46,13 @@ void ImageStore::bringBack(const Identifier& key) {
         m_newImageData.insert_or_assign(entry.key(), std::move(entry.mapped()));
 }
 
+void ImageStore::adoptStoredPictures(const ImageStore& other) {
+    for (const auto& [key, fileName] : other.m_imagePathCache)
+        if (!m_imagePathCache.contains(key)) {
+            m_imagePathCache.emplace(key, fileName);
+            if (auto found = other.m_imageCache.find(key); found != other.m_imageCache.end())
+                m_imageCache.insert_or_assign(key, found->second);
+        }
+}
+
 } // namespace quillery

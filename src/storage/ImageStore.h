@@ -37,6 +37,9 @@ public:
 
     // Records a picture found in the package's "images" directory.
     void indexStoredPicture(const Identifier& key, PicturePtr image, std::string fileName);
+    // Indexes the stored pictures of another store (a fresh read of the same package) that this
+    // one does not know yet.
+    void adoptStoredPictures(const ImageStore& other);
 
     // Bytes of new pictures leave for the side store when their note is destroyed, and come back
     // when it is created again.

@@ -23,7 +23,13 @@ std::vector<JournalLoader::Journal> JournalLoader::load(const std::filesystem::p
             Journal& journal = journals[i];
             journal.fileName = fileNames[i];
             FileContents contents;
-            if (auto error = m_files.readFile(package / journal.fileName, contents)) {
+            std::error_code error = m_files.readFile(package / journal.fileName, contents);
+            // Renamed or removed since the listing (a sync tool replacing it): not a journal now.
+            if (error == std::errc::no_such_file_or_directory) {
+                journal.empty = true;
+                continue;
+            }
+            if (error) {
                 journal.error = storage_errors::fromFileError(
                     error, false, "Couldn't read the journal “" + journal.fileName + "”");
                 continue;

@@ -19,7 +19,7 @@ class JournalLoader {
 public:
     struct Journal {
         std::string fileName;
-        bool empty = false; // the file has no bytes; it is skipped
+        bool empty = false; // the file has no bytes or vanished since the listing; it is skipped
         std::vector<DocumentDiff> diffs;
         std::optional<StorageError> error;
         bool rejectedRecord = false; // "Bad diff." is due before the error is reported

@@ -1,6 +1,7 @@
 #include "storage/NotebookPackage.h"
 
 #include "storage/JournalReader.h"
+#include "storage/PackageLayout.h"
 #include "storage/PackageReader.h"
 #include "storage/PackageWriter.h"
 #include "storage/PosixFileSystem.h"
@@ -36,6 +37,25 @@ std::optional<StorageError> saveInPlace(Document& document, FileSystem& files) {
 std::optional<StorageError> saveTo(Document& document, const std::filesystem::path& location,
                                    FileSystem& files) {
     return PackageWriter(files).saveTo(document, location);
+}
+
+std::optional<StorageError> checkNotebookFolder(const std::filesystem::path& location,
+                                                FileSystem& files) {
+    std::error_code error;
+    std::filesystem::path folder = location;
+    if (std::filesystem::is_symlink(std::filesystem::symlink_status(location, error)))
+        folder = std::filesystem::canonical(location, error);
+    if (files.entryType(folder) != EntryType::directory ||
+        location.filename().string().ends_with(package_layout::kPackageExtension) ||
+        folder.filename().string().ends_with(package_layout::kPackageExtension))
+        return std::nullopt;
+    std::vector<DirectoryEntry> entries;
+    if (!files.listDirectory(folder, entries))
+        for (const DirectoryEntry& entry : entries)
+            if (entry.type == EntryType::regularFile && package_layout::isJournalName(entry.name))
+                return std::nullopt;
+    return StorageError{std::string(storage_errors::kCocoaDomain), storage_errors::kReadCorruptFile,
+                        "“" + location.string() + "” is not a Quillery notebook"};
 }
 
 std::optional<StorageError> diffsFromData(std::string_view bytes, std::string_view journalName,

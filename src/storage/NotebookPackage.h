@@ -43,6 +43,13 @@ struct PackageSummary {
     std::size_t pictureFiles = 0;         // pictures that decoded
 };
 
+// Whether a folder may be taken for a notebook: only when its name ends in ".quillery" or it holds
+// a journal. Anything else fails with "“FOLDER” is not a Quillery notebook" (domain
+// NSCocoaErrorDomain, code 259), and nothing may be written into it. A location that does not
+// exist or is a plain file passes; reading and saving judge those.
+std::optional<StorageError> checkNotebookFolder(const std::filesystem::path& location,
+                                                FileSystem& files);
+
 // The same operations over a given file layer (tests inject failures through it).
 std::optional<StorageError> read(Document& document, const std::filesystem::path& location,
                                  const PictureCodec& codec, FileSystem& files,

@@ -24,7 +24,23 @@ std::string journalFileName(const Identifier& client) {
 }
 
 bool isJournalName(std::string_view fileName) {
-    return fileName.find(kJournalMarker) != std::string_view::npos;
+    if (fileName.find(kJournalMarker) == std::string_view::npos || fileName.starts_with('.') ||
+        fileName.starts_with('~') || isTemporaryName(fileName))
+        return false;
+    for (std::string_view suffix : kForeignTemporarySuffixes)
+        if (fileName.ends_with(suffix))
+            return false;
+    return true;
+}
+
+std::string_view journalClientKey(std::string_view fileName) {
+    return fileName.substr(0, fileName.find_first_of(". "));
+}
+
+bool isConflictCopyOf(std::string_view fileName, const Identifier& client) {
+    return isJournalName(fileName) && journalClientKey(fileName) == client.toString() &&
+           (fileName.find(".sync-conflict-") != std::string_view::npos ||
+            fileName.find("conflicted copy") != std::string_view::npos);
 }
 
 std::string temporaryJournalName(const Identifier& client) {

@@ -10,15 +10,30 @@ namespace quillery {
 // The names inside a notebook package.
 namespace package_layout {
 
+inline constexpr std::string_view kPackageExtension = ".quillery";
 inline constexpr std::string_view kImagesDirectory = "images";
 // Any top-level file whose name holds this is read as a journal.
 inline constexpr std::string_view kJournalMarker = ".journal";
 // Files being written end in this; they are never read, carried over or taken for pictures.
 inline constexpr std::string_view kTemporarySuffix = ".quillery-tmp";
 
+// Endings of files that sync tools and downloads are still writing (".tmp" also covers
+// Unison's "….unison.tmp" and Syncthing's ".syncthing.….tmp").
+inline constexpr std::string_view kForeignTemporarySuffixes[] = {".tmp", ".part", ".partial",
+                                                                 ".crdownload", ".!sync"};
+
 // "<client>.journal"
 std::string journalFileName(const Identifier& client);
+// A name with ".journal" in it, unless it is hidden (starts with "." or "~") or ends in a
+// temporary suffix: those are files a sync tool or an editor is still writing.
 bool isJournalName(std::string_view fileName);
+// Whose journal the file is, for copies of one journal: the name up to its first "." or space
+// ("<client>.journal", "<client>.sync-conflict-….journal", "<client> (… conflicted copy
+// ….journal").
+std::string_view journalClientKey(std::string_view fileName);
+// A sync tool's conflict copy of the client's journal (Syncthing's ".sync-conflict-", the
+// "conflicted copy" of cloud folders).
+bool isConflictCopyOf(std::string_view fileName, const Identifier& client);
 // ".<client>.quillery-tmp": no ".journal" in it, so a reader never takes it for a journal.
 std::string temporaryJournalName(const Identifier& client);
 // ".<client>.<file name>.quillery-tmp", beside the picture in "images".

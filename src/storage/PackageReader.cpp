@@ -59,6 +59,16 @@ std::vector<DocumentDiff> mergedJournals(std::vector<std::vector<DocumentDiff>> 
     return merged;
 }
 
+// The journal whose record comes last in the merged order: the latest stamp, and of journals
+// sharing it the one read last (names in byte order).
+void noteLatest(const JournalLoader::Journal& journal, TimePoint& latest, std::string& name) {
+    auto last = std::max_element(journal.diffs.begin(), journal.diffs.end(), earlier);
+    if (last != journal.diffs.end() && last->timestamp >= latest) {
+        latest = last->timestamp;
+        name = journal.fileName;
+    }
+}
+
 } // namespace
 
 PackageReader::PackageReader(FileSystem& files, const PictureCodec& codec)
@@ -106,6 +116,8 @@ std::optional<StorageError> PackageReader::read(Document& document,
         return std::nullopt;
     }
 
+    if (auto error = package::checkNotebookFolder(location, m_files))
+        return error;
     std::vector<DirectoryEntry> entries;
     if (auto error = m_files.listDirectory(package, entries))
         return storage_errors::fromFileError(error, false,
@@ -125,8 +137,15 @@ std::optional<StorageError> PackageReader::read(Document& document,
     std::sort(journalNames.begin(), journalNames.end());
 
     const std::string ownJournal = package_layout::journalFileName(document.clientIdentifier());
-    std::vector<std::vector<DocumentDiff>> journals;
+    // Copies of one client's journal (conflict copies, a home folder copied to a second machine)
+    // share their records; each record is applied once.
+    std::vector<std::string> clients;
+    std::vector<std::vector<std::vector<DocumentDiff>>> copies;
     std::vector<DocumentDiff> ownDiffs;
+    TimePoint latest{};
+    std::string latestJournal;
+    // Taken before the journal is read: should it change in between, the next save reads it again.
+    document.setOwnJournalIdentity(m_files.identity(package / ownJournal));
     for (JournalLoader::Journal& journal : JournalLoader(m_files).load(package, journalNames)) {
         // One after another, as if read in turn: the first bad journal ends the read.
         if (journal.rejectedRecord)
@@ -138,10 +157,25 @@ std::optional<StorageError> PackageReader::read(Document& document,
         found.journals.push_back({journal.fileName, journal.diffs.size()});
         if (journal.fileName == ownJournal)
             ownDiffs = journal.diffs;
-        journals.push_back(std::move(journal.diffs));
+        document.setJournalMark(journal.fileName, markOf(journal.diffs, journal.diffs.size()));
+        noteLatest(journal, latest, latestJournal);
+        std::string_view client = package_layout::journalClientKey(journal.fileName);
+        auto known = std::find(clients.begin(), clients.end(), client);
+        if (known == clients.end()) {
+            clients.emplace_back(client);
+            copies.emplace_back();
+            known = clients.end() - 1;
+        }
+        copies[static_cast<std::size_t>(known - clients.begin())].push_back(
+            std::move(journal.diffs));
     }
+    std::vector<std::vector<DocumentDiff>> journals;
+    journals.reserve(copies.size());
+    for (auto& ofOneClient : copies)
+        journals.push_back(UnionOfJournals(std::move(ofOneClient)));
 
     document.loadData(mergedJournals(std::move(journals)), std::move(ownDiffs));
+    document.setLastApplied(latest, latestJournal);
     document.setFileLocation(location);
     document.markSaved();
     if (summary)

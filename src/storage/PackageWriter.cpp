@@ -3,7 +3,10 @@
 #include "document/Diagnostics.h"
 #include "document/Document.h"
 #include "storage/FileSystem.h"
+#include "storage/JournalReader.h"
 #include "storage/PackageLayout.h"
+
+#include <cstdlib>
 
 namespace quillery {
 
@@ -26,6 +29,24 @@ std::filesystem::path resolvedPackage(const std::filesystem::path& location) {
             return target;
     }
     return location;
+}
+
+// Writers of one journal on this machine take turns through a lock file outside the package (a
+// synced folder must not carry it), named after the package folder and the client.
+std::filesystem::path lockDirectory() {
+    auto fromEnvironment = [](const char* name) -> std::optional<std::filesystem::path> {
+        const char* value = std::getenv(name);
+        if (value && *value == '/')
+            return std::filesystem::path(value);
+        return std::nullopt;
+    };
+    if (auto runtime = fromEnvironment("XDG_RUNTIME_DIR"))
+        return *runtime / "quillery" / "locks";
+    if (auto cache = fromEnvironment("XDG_CACHE_HOME"))
+        return *cache / "quillery" / "locks";
+    if (auto home = fromEnvironment("HOME"))
+        return *home / ".cache" / "quillery" / "locks";
+    return std::filesystem::temp_directory_path() / "quillery-locks";
 }
 
 bool sameLocation(const std::filesystem::path& a, const std::filesystem::path& b) {
@@ -114,6 +135,63 @@ PackageWriter::writeNewPictures(Document& document, const std::filesystem::path&
     return std::nullopt;
 }
 
+std::unique_ptr<FileLock> PackageWriter::lockJournal(const Identifier& client,
+                                                     const std::filesystem::path& package) {
+    std::unique_ptr<FileLock> lock;
+    std::optional<FileIdentity> folder = m_files.identity(package);
+    if (!folder)
+        return lock;
+    std::string name = std::to_string(folder->device) + "-" + std::to_string(folder->inode) + "-" +
+                       client.toString() + ".lock";
+    // Without a place for the lock the save goes on unguarded, as saves did before locks.
+    if (m_files.lockExclusively(lockDirectory() / name, lock))
+        lock.reset();
+    return lock;
+}
+
+std::optional<StorageError>
+PackageWriter::mergeOwnJournal(Document& document, const std::filesystem::path& package,
+                               const std::vector<DirectoryEntry>& entries,
+                               std::vector<std::string>& foldedCopies) {
+    const Identifier& client = document.clientIdentifier();
+    const std::string own = package_layout::journalFileName(client);
+    std::vector<std::string> names;
+    std::optional<FileIdentity> onDisk = m_files.identity(package / own);
+    if (onDisk && onDisk != document.ownJournalIdentity())
+        names.push_back(own);
+    for (const DirectoryEntry& entry : entries)
+        if (entry.type == EntryType::regularFile &&
+            package_layout::isConflictCopyOf(entry.name, client))
+            names.push_back(entry.name);
+    std::vector<std::vector<DocumentDiff>> copies;
+    JournalReader reader;
+    for (const std::string& name : names) {
+        FileContents contents;
+        std::error_code error = m_files.readFile(package / name, contents);
+        if (error == std::errc::no_such_file_or_directory)
+            continue;
+        if (error)
+            return storage_errors::fromFileError(error, false,
+                                                 "Couldn't read the journal “" + name + "”");
+        std::vector<DocumentDiff> diffs;
+        if (contents.size > 0) {
+            // A damaged own journal stops the save, so that its records are not written over;
+            // a damaged conflict copy is left where it is.
+            if (auto parseError = reader.read(contents, name, diffs)) {
+                if (name == own)
+                    return parseError;
+                continue;
+            }
+        }
+        if (name != own)
+            foldedCopies.push_back(name);
+        copies.push_back(std::move(diffs));
+    }
+    if (!copies.empty())
+        document.adoptOwnJournalRecords(std::move(copies));
+    return std::nullopt;
+}
+
 std::optional<StorageError> PackageWriter::writeJournal(Document& document,
                                                         const std::filesystem::path& path) {
     std::string what = "Couldn't write the journal “" +
@@ -122,15 +200,19 @@ std::optional<StorageError> PackageWriter::writeJournal(Document& document,
     std::unique_ptr<WritableFile> file;
     if (auto error = m_files.createFile(path, file))
         return writeError(error, what);
+    const std::vector<DocumentDiff> records = document.journalRecords();
     auto result =
-        m_journalWriter.write(*file, document.clientIdentifier(), document.now(), document.diffs());
+        m_journalWriter.write(*file, document.clientIdentifier(), document.now(), records);
     std::error_code error = result.fileError;
     if (!error && !result.invalidText)
         error = file->sync();
     if (!error && !result.invalidText)
         error = file->close();
-    if (!error && !result.invalidText)
+    if (!error && !result.invalidText) {
+        document.setJournalMark(package_layout::journalFileName(document.clientIdentifier()),
+                                markOf(records, records.size()));
         return std::nullopt;
+    }
     file.reset();
     m_files.removeFile(path);
     if (error)
@@ -154,7 +236,13 @@ std::optional<StorageError> PackageWriter::saveInPlace(Document& document) {
                             storage_errors::kWriteUnknown,
                             "Couldn't save: " + quoted(location) + " is not a notebook package."};
 
+    if (auto error = package::checkNotebookFolder(location, m_files))
+        return error;
     const Identifier& client = document.clientIdentifier();
+    // The whole save is one step among this client's writers on this machine: they share the
+    // temporary names, and the journal is read, merged and written without another writer in
+    // between, so what another process added to it is kept.
+    const std::unique_ptr<FileLock> lock = lockJournal(client, package);
     const std::filesystem::path images = package / package_layout::kImagesDirectory;
     std::set<std::string> onDisk = listStoredPictures(location);
     EntryType imagesType = m_files.entryType(images);
@@ -177,6 +265,9 @@ std::optional<StorageError> PackageWriter::saveInPlace(Document& document) {
     if (!m_files.listDirectory(package, entries))
         for (const DirectoryEntry& entry : entries)
             diagnostics::writeLine((location / entry.name).string());
+    std::vector<std::string> foldedCopies;
+    if (auto error = mergeOwnJournal(document, package, entries, foldedCopies))
+        return error;
 
     const std::filesystem::path temporary = package / package_layout::temporaryJournalName(client);
     if (auto error = writeJournal(document, temporary))
@@ -188,6 +279,12 @@ std::optional<StorageError> PackageWriter::saveInPlace(Document& document) {
     }
     if (auto error = m_files.syncDirectory(package))
         return writeError(error, "Couldn't save the notebook " + quoted(location));
+    document.setOwnJournalIdentity(m_files.identity(package / journalName));
+    // Their records are in the journal now, and the journal is on disk.
+    for (const std::string& copy : foldedCopies)
+        m_files.removeFile(package / copy);
+    if (!foldedCopies.empty())
+        m_files.syncDirectory(package);
     finishSave(document, true);
     return std::nullopt;
 }
@@ -254,6 +351,8 @@ std::optional<StorageError> PackageWriter::saveTo(Document& document,
     const auto& current = document.fileLocation();
     if (current && sameLocation(*current, location))
         return saveInPlace(document);
+    if (auto error = package::checkNotebookFolder(location, m_files))
+        return error;
     std::filesystem::path parent = location.parent_path();
     if (parent.empty())
         parent = ".";
@@ -290,6 +389,8 @@ std::optional<StorageError> PackageWriter::saveTo(Document& document,
         return writeError(syncError, "Couldn't save the notebook " + quoted(location));
     bool hadLocation = current.has_value();
     document.setFileLocation(location);
+    document.setOwnJournalIdentity(m_files.identity(
+        resolvedPackage(location) / package_layout::journalFileName(document.clientIdentifier())));
     finishSave(document, hadLocation);
     return std::nullopt;
 }

@@ -36,6 +36,17 @@ private:
                                                  const std::set<std::string>& onDisk,
                                                  bool throughTemporaryFiles);
     std::optional<StorageError> writeJournal(Document& document, const std::filesystem::path& path);
+    // Held while this client's journal is read, merged and written; null when no lock file could
+    // be made.
+    std::unique_ptr<FileLock> lockJournal(const Identifier& client,
+                                          const std::filesystem::path& package);
+    // Adopts what this client's journal on disk (when it changed since this process last read or
+    // wrote it) and its conflict copies hold that the document lacks. The copies whose records
+    // were taken are named in `foldedCopies`.
+    std::optional<StorageError> mergeOwnJournal(Document& document,
+                                                const std::filesystem::path& package,
+                                                const std::vector<DirectoryEntry>& entries,
+                                                std::vector<std::string>& foldedCopies);
     std::optional<StorageError> carryOver(Document& document, const std::filesystem::path& from,
                                           const std::filesystem::path& to);
     std::optional<StorageError> buildPackage(Document& document,

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -253,6 +254,51 @@ std::error_code PosixFileSystem::syncDirectory(const std::filesystem::path& path
     if (fd.get() < 0)
         return lastError();
     return ::fsync(fd.get()) == 0 ? std::error_code{} : lastError();
+}
+
+namespace {
+
+class PosixFileLock : public FileLock {
+public:
+    explicit PosixFileLock(int fd)
+        : m_fd(fd) {}
+    ~PosixFileLock() override { ::close(m_fd); }
+    PosixFileLock(const PosixFileLock&) = delete;
+    PosixFileLock& operator=(const PosixFileLock&) = delete;
+
+private:
+    int m_fd;
+};
+
+} // namespace
+
+std::optional<FileIdentity> PosixFileSystem::identity(const std::filesystem::path& path) {
+    struct stat info {};
+    if (::lstat(path.c_str(), &info) != 0)
+        return std::nullopt;
+    return FileIdentity{static_cast<std::uint64_t>(info.st_dev),
+                        static_cast<std::uint64_t>(info.st_ino), info.st_size,
+                        info.st_mtim.tv_sec * 1'000'000'000 + info.st_mtim.tv_nsec};
+}
+
+std::error_code PosixFileSystem::lockExclusively(const std::filesystem::path& path,
+                                                 std::unique_ptr<FileLock>& lock) {
+    std::error_code error;
+    std::filesystem::create_directories(path.parent_path(), error);
+    if (error)
+        return error;
+    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (fd < 0)
+        return lastError();
+    while (::flock(fd, LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            std::error_code failure = lastError();
+            ::close(fd);
+            return failure;
+        }
+    }
+    lock = std::make_unique<PosixFileLock>(fd);
+    return {};
 }
 
 } // namespace quillery

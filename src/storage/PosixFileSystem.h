@@ -24,6 +24,9 @@ public:
     std::error_code removeFile(const std::filesystem::path& path) override;
     std::error_code removeTree(const std::filesystem::path& path) override;
     std::error_code syncDirectory(const std::filesystem::path& path) override;
+    std::optional<FileIdentity> identity(const std::filesystem::path& path) override;
+    std::error_code lockExclusively(const std::filesystem::path& path,
+                                    std::unique_ptr<FileLock>& lock) override;
 };
 
 } // namespace quillery

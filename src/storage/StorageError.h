@@ -25,6 +25,7 @@ inline constexpr std::string_view kCocoaDomain = "NSCocoaErrorDomain";
 inline constexpr long kReadUnknown = 256;
 inline constexpr long kReadNoPermission = 257;
 inline constexpr long kReadNoSuchFile = 260;
+inline constexpr long kReadCorruptFile = 259;
 inline constexpr long kWriteUnknown = 512;
 inline constexpr long kWriteNoPermission = 513;
 inline constexpr long kWriteOutOfSpace = 640;

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 #include <simdjson.h>
 #include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace quillery::cli {
 namespace {
@@ -173,6 +175,46 @@ TEST_F(CliTest, EveryCommandExplainsItself) {
     Outcome overview = run({"--help"});
     EXPECT_EQ(overview.exitCode, kSuccess);
     EXPECT_THAT(overview.out, HasSubstr("Exit status"));
+}
+
+TEST_F(CliTest, AddsRunAtOnceByOneInstallationAllLand) {
+    ASSERT_EQ(run({"new", m_package}).exitCode, kSuccess);
+    constexpr int kProcesses = 4;
+    constexpr int kRounds = 10;
+    std::vector<pid_t> children;
+    for (int p = 0; p < kProcesses; ++p) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            int failures = 0;
+            for (int round = 0; round < kRounds; ++round) {
+                std::istringstream in;
+                std::ostringstream out, err;
+                const std::string text = "p" + std::to_string(p) + "r" + std::to_string(round);
+                failures += runCli({"add", m_package, "--text", text}, in, out, err) != kSuccess;
+            }
+            ::_exit(failures);
+        }
+        children.push_back(child);
+    }
+    for (pid_t child : children) {
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    const std::string notes = markdown();
+    for (int p = 0; p < kProcesses; ++p)
+        for (int round = 0; round < kRounds; ++round)
+            EXPECT_THAT(notes,
+                        HasSubstr("- p" + std::to_string(p) + "r" + std::to_string(round) + "\n"));
+}
+
+TEST_F(CliTest, AFolderThatIsNoNotebookIsRefusedAndLeftAlone) {
+    const std::filesystem::path folder = m_directory / "Photos";
+    std::filesystem::create_directory(folder);
+    Outcome result = run({"add", folder.string(), "--text", "x"});
+    EXPECT_EQ(result.exitCode, kPackageFailure);
+    EXPECT_THAT(result.err, HasSubstr("“" + folder.string() + "” is not a Quillery notebook"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder));
 }
 
 } // namespace

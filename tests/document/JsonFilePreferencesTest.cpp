@@ -1,6 +1,7 @@
 #include "document/JsonFilePreferences.h"
 
 #include "document/Diagnostics.h"
+#include "document/Document.h"
 #include "model/Identifier.h"
 
 #include <cstdlib>
@@ -118,6 +119,43 @@ TEST(JsonFilePreferencesLocation, FollowsXdgConfigHomeElseHome) {
     if (oldXdg)
         setenv("XDG_CONFIG_HOME", savedXdg.c_str(), 1);
 }
+
+// Preferences holding client C, recorded (or not) as made on machine "m1", read on a machine.
+struct MachineCase {
+    const char* name;
+    const char* recordedMachine; // null: not recorded
+    const char* thisMachine;     // null: unknown
+    bool keepsClient;
+};
+
+class ClientMachine : public JsonFilePreferencesTest,
+                      public testing::WithParamInterface<MachineCase> {};
+
+TEST_P(ClientMachine, AClientIdentifierStaysOnTheMachineItWasMadeFor) {
+    const std::string client = "C0000000-0000-4000-8000-000000000000";
+    std::string content = "{\"client-identifier\" : \"" + client + "\"";
+    if (GetParam().recordedMachine)
+        content += std::string(", \"client-machine\" : \"") + GetParam().recordedMachine + "\"";
+    write(content + "}");
+    const fs::path machineFile = m_directory / "machine-id";
+    if (GetParam().thisMachine)
+        std::ofstream(machineFile) << GetParam().thisMachine << "\n";
+    JsonFilePreferences preferences(m_file, machineFile);
+    Document document(preferences);
+    EXPECT_EQ(document.clientIdentifier() == std::string_view(client), GetParam().keepsClient);
+    const char* expectedMachine =
+        GetParam().thisMachine ? GetParam().thisMachine : GetParam().recordedMachine;
+    if (expectedMachine) {
+        EXPECT_EQ(JsonFilePreferences(m_file).string("client-machine"), expectedMachine);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, ClientMachine,
+                         testing::Values(MachineCase{"SameMachine", "m1", "m1", true},
+                                         MachineCase{"CopiedToAnotherMachine", "m1", "m2", false},
+                                         MachineCase{"RecordedOnFirstUse", nullptr, "m1", true},
+                                         MachineCase{"MachineUnknown", "m1", nullptr, true}),
+                         [](const auto& testCase) { return std::string(testCase.param.name); });
 
 } // namespace
 } // namespace quillery

@@ -130,5 +130,49 @@ TEST(JournalMerge, EqualStampsKeepJournalOrderAndDuplicatesSurvive) {
               (std::vector<std::string>{"y", "a", "b", "c", "d", "e", "f", "g", "h", "x", "a"}));
 }
 
+// Copies of one client's journal, written as "second:note=text" records.
+struct UnionCase {
+    const char* name;
+    std::vector<std::vector<const char*>> copies;
+    std::vector<const char*> expected;
+};
+
+class JournalUnion : public testing::TestWithParam<UnionCase> {};
+
+TEST_P(JournalUnion, KeepsEachRecordAsOftenAsTheCopyThatHoldsItMost) {
+    auto record = [](std::string_view text) {
+        const int second = text[0] - '0';
+        const std::size_t equals = text.find('=');
+        return DocumentDiff(kStamp + seconds{second}, Identifier(text.substr(2, equals - 2)),
+                            {{"text", std::string(text.substr(equals + 1))}});
+    };
+    std::vector<std::vector<DocumentDiff>> copies;
+    for (const auto& copy : GetParam().copies) {
+        copies.emplace_back();
+        for (const char* text : copy)
+            copies.back().push_back(record(text));
+    }
+    std::vector<std::string> got;
+    for (const DocumentDiff& diff : UnionOfJournals(copies))
+        got.push_back(
+            std::to_string(std::chrono::duration_cast<seconds>(diff.timestamp - kStamp).count()) +
+            ":" + diff.identifier.toString() + "=" + *diff.payload.find("text")->text());
+    EXPECT_EQ(got,
+              std::vector<std::string>(GetParam().expected.begin(), GetParam().expected.end()));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, JournalUnion,
+    testing::Values(
+        UnionCase{"IdenticalCopies", {{"1:a=x", "2:b=y"}, {"1:a=x", "2:b=y"}}, {"1:a=x", "2:b=y"}},
+        UnionCase{"EachCopyAddsItsOwn",
+                  {{"1:a=x", "3:a=z"}, {"1:a=x", "2:b=y"}},
+                  {"1:a=x", "2:b=y", "3:a=z"}},
+        UnionCase{"ARepeatWithinOneCopyStays",
+                  {{"1:a=x", "1:a=y", "1:a=x"}, {"1:a=x", "1:a=y"}},
+                  {"1:a=x", "1:a=y", "1:a=x"}},
+        UnionCase{"SameNoteOtherText", {{"1:a=x"}, {"1:a=y"}}, {"1:a=x", "1:a=y"}}),
+    [](const auto& testCase) { return std::string(testCase.param.name); });
+
 } // namespace
 } // namespace quillery
