@@ -107,6 +107,9 @@ public:
     // The record that takes a forward record back, read off the tree before it is applied.
     DocumentDiff reverseDiff(const DocumentDiff& forward) const;
     void registerUndo();
+    // Why the next undo cannot take its edit back once records from elsewhere changed the tree
+    // (the note it is about, or the note it would move it back to, is gone); nothing when it can.
+    std::optional<std::string> undoProblem() const;
     void undo();
     void redo();
 
@@ -144,9 +147,7 @@ public:
     // This client's journal as this process last read or wrote it: a save reads the journal
     // again, and keeps what another process added, only when it changed since.
     const std::optional<FileIdentity>& ownJournalIdentity() const { return m_ownJournalIdentity; }
-    void setOwnJournalIdentity(std::optional<FileIdentity> identity) {
-        m_ownJournalIdentity = identity;
-    }
+    void setOwnJournalIdentity(std::optional<FileIdentity> identity);
     // Records of this client's journal that another process of this installation (the
     // command-line tool, a second app) or a machine of the same identity wrote. Saving writes them
     // with the log; undo never takes them back.
@@ -157,6 +158,13 @@ public:
     // What a save writes as this client's journal: the log and the adopted records.
     std::vector<DocumentDiff> journalRecords() const;
 
+    // Each journal file of the package as it was when its records were applied, by name.
+    const std::map<std::string, FileIdentity>& journalIdentities() const {
+        return m_journalIdentities;
+    }
+    // Records the files whose records were applied; this client's journal among them counts as
+    // read (see ownJournalIdentity).
+    void setJournalIdentities(std::map<std::string, FileIdentity> identities);
     // How far each journal file of the package was applied (see JournalMark), by name.
     const std::map<std::string, JournalMark>& journalMarks() const { return m_journalMarks; }
     void setJournalMark(const std::string& journalName, JournalMark mark) {
@@ -247,6 +255,7 @@ private:
     std::optional<FileIdentity> m_ownJournalIdentity;
     std::vector<DocumentDiff> m_adoptedDiffs;
     std::map<std::string, JournalMark> m_journalMarks;
+    std::map<std::string, FileIdentity> m_journalIdentities;
     TimePoint m_lastAppliedTime{};
     std::string m_lastAppliedJournal;
     bool m_needsReplay = false;

@@ -27,6 +27,32 @@ void Document::setLastApplied(TimePoint timestamp, std::string journalName) {
     m_lastAppliedJournal = std::move(journalName);
 }
 
+std::optional<std::string> Document::undoProblem() const {
+    if (m_undoDiffs.empty())
+        return std::nullopt;
+    const DocumentDiff& reverse = m_undoDiffs.back();
+    if (!m_nodeLookup.find(reverse.identifier))
+        return "The note this would change is no longer in the notebook.";
+    if (const PlainValue* parent = reverse.payload.find("parent"))
+        if (const Identifier* identifier = parent->textIdentifier();
+            identifier && !m_nodeLookup.find(*identifier))
+            return "The note this would move it back into is no longer in the notebook.";
+    return std::nullopt;
+}
+
+void Document::setOwnJournalIdentity(std::optional<FileIdentity> identity) {
+    m_ownJournalIdentity = identity;
+    if (identity)
+        m_journalIdentities[package_layout::journalFileName(m_clientIdentifier)] = *identity;
+}
+
+void Document::setJournalIdentities(std::map<std::string, FileIdentity> identities) {
+    auto own = identities.find(package_layout::journalFileName(m_clientIdentifier));
+    if (own != identities.end())
+        m_ownJournalIdentity = own->second;
+    m_journalIdentities = std::move(identities);
+}
+
 std::size_t Document::adoptOwnJournalRecords(std::vector<std::vector<DocumentDiff>> copies) {
     std::vector<DocumentDiff> held = journalRecords();
     std::vector<DocumentDiff> found = RecordsMissingFrom(UnionOfJournals(std::move(copies)), held);
@@ -81,6 +107,13 @@ Document::MergeOutcome Document::mergeRecords(std::vector<NamedRecords> appended
             created.insert(diff.identifier);
         }
     }
+    // Records of this client's journal written by another process are saved with the log.
+    const std::string own = package_layout::journalFileName(m_clientIdentifier);
+    for (const NamedRecords& journal : appended)
+        if (journal.journalName == own) {
+            std::vector<DocumentDiff> found = RecordsMissingFrom(journal.records, journalRecords());
+            m_adoptedDiffs.insert(m_adoptedDiffs.end(), found.begin(), found.end());
+        }
     for (const Placed& entry : placed)
         applyDiff(*entry.diff, true);
     setLastApplied(placed.back().diff->timestamp, *placed.back().journal);
@@ -96,6 +129,8 @@ void Document::adoptReplayedTree(Document& fresh) {
     std::swap(m_nodeLookup, fresh.m_nodeLookup);
     std::swap(m_unresolvedParents, fresh.m_unresolvedParents);
     m_journalMarks = fresh.m_journalMarks;
+    m_journalIdentities = fresh.m_journalIdentities;
+    m_ownJournalIdentity = fresh.m_ownJournalIdentity;
     m_lastAppliedTime = std::max(m_lastAppliedTime, fresh.m_lastAppliedTime);
     if (fresh.m_lastAppliedTime >= m_lastAppliedTime)
         m_lastAppliedJournal = fresh.m_lastAppliedJournal;

@@ -30,6 +30,13 @@ std::optional<StorageError> read(Document& document, const std::filesystem::path
     return PackageReader(files, codec).read(document, location, summary);
 }
 
+std::optional<StorageError> replay(Document& fresh, const std::filesystem::path& location,
+                                   const PictureCodec& codec,
+                                   const std::vector<DocumentDiff>& ownRecords) {
+    PosixFileSystem files;
+    return PackageReader(files, codec).read(fresh, location, nullptr, &ownRecords);
+}
+
 std::optional<StorageError> saveInPlace(Document& document, FileSystem& files) {
     return PackageWriter(files).saveInPlace(document);
 }

@@ -58,6 +58,14 @@ std::optional<StorageError> saveInPlace(Document& document, FileSystem& files);
 std::optional<StorageError> saveTo(Document& document, const std::filesystem::path& location,
                                    FileSystem& files);
 
+// For a notebook open in another document: reads the package afresh into `fresh`, a new document
+// of the same client, with `ownRecords` (the open document's journalRecords(), taken on its
+// thread) among this client's records, so that unsaved edits stay. Touches only `fresh`, so it
+// may run on a worker thread; hand the result to Document::adoptReplayedTree() on the main thread.
+std::optional<StorageError> replay(Document& fresh, const std::filesystem::path& location,
+                                   const PictureCodec& codec,
+                                   const std::vector<DocumentDiff>& ownRecords);
+
 // Parses the bytes of one journal file into its records; `journalName` names it in errors.
 std::optional<StorageError> diffsFromData(std::string_view bytes, std::string_view journalName,
                                           std::vector<DocumentDiff>& diffs);

@@ -9,6 +9,7 @@
 #include "storage/PictureCodec.h"
 
 #include <algorithm>
+#include <map>
 
 namespace quillery {
 
@@ -100,7 +101,8 @@ void PackageReader::indexPictures(Document& document, const std::filesystem::pat
 
 std::optional<StorageError> PackageReader::read(Document& document,
                                                 const std::filesystem::path& location,
-                                                package::PackageSummary* summary) {
+                                                package::PackageSummary* summary,
+                                                const std::vector<DocumentDiff>* ownRecords) {
     package::PackageSummary found;
     std::filesystem::path package = resolvedPackage(location);
     EntryType type = m_files.entryType(package);
@@ -144,7 +146,12 @@ std::optional<StorageError> PackageReader::read(Document& document,
     std::vector<DocumentDiff> ownDiffs;
     TimePoint latest{};
     std::string latestJournal;
-    // Taken before the journal is read: should it change in between, the next save reads it again.
+    // Taken before the journals are read: should one change in between, it is read again.
+    std::map<std::string, FileIdentity> identities;
+    for (const std::string& name : journalNames)
+        if (std::optional<FileIdentity> identity = m_files.identity(package / name))
+            identities.emplace(name, *identity);
+    document.setJournalIdentities(std::move(identities));
     document.setOwnJournalIdentity(m_files.identity(package / ownJournal));
     for (JournalLoader::Journal& journal : JournalLoader(m_files).load(package, journalNames)) {
         // One after another, as if read in turn: the first bad journal ends the read.
@@ -168,6 +175,16 @@ std::optional<StorageError> PackageReader::read(Document& document,
         }
         copies[static_cast<std::size_t>(known - clients.begin())].push_back(
             std::move(journal.diffs));
+    }
+    if (ownRecords) {
+        const std::string client = document.clientIdentifier().toString();
+        auto own = std::find(clients.begin(), clients.end(), client);
+        if (own == clients.end()) {
+            clients.push_back(client);
+            copies.emplace_back();
+            own = clients.end() - 1;
+        }
+        copies[static_cast<std::size_t>(own - clients.begin())].push_back(*ownRecords);
     }
     std::vector<std::vector<DocumentDiff>> journals;
     journals.reserve(copies.size());

@@ -15,8 +15,10 @@ class PackageReader {
 public:
     PackageReader(FileSystem& files, const PictureCodec& codec);
 
+    // `ownRecords`, when given, join the records of this client's journal (each record once).
     std::optional<StorageError> read(Document& document, const std::filesystem::path& location,
-                                     package::PackageSummary* summary);
+                                     package::PackageSummary* summary,
+                                     const std::vector<DocumentDiff>* ownRecords = nullptr);
 
 private:
     void indexPictures(Document& document, const std::filesystem::path& imagesLocation,

@@ -1,5 +1,6 @@
 #include "StorageTestSupport.h"
 #include "document/Diagnostics.h"
+#include "storage/JournalChanges.h"
 #include "storage/NotebookPackage.h"
 #include "storage/PosixFileSystem.h"
 
@@ -187,6 +188,68 @@ TEST(JournalLock, IsReleasedWhenItsHolderIsKilled) {
     ::waitpid(holder, nullptr, 0);
     EXPECT_EQ(::flock(fd, LOCK_EX | LOCK_NB), 0);
     ::close(fd);
+}
+
+// The notebook is open in A while B, its clock off by some hours, adds a note; A has an unsaved
+// edit of its own.
+struct LiveCase {
+    const char* name;
+    int clockHours;
+    Document::MergeOutcome outcome;
+};
+
+class LiveMerge : public SyncFolderTest, public ::testing::WithParamInterface<LiveCase> {};
+
+TEST_P(LiveMerge, NewRecordsJoinTheOpenNotebookInPlaceOrByAReplay) {
+    Client b(kClientB, [] {
+        return std::chrono::system_clock::now() + std::chrono::hours(GetParam().clockHours);
+    });
+    expectOk(package::read(*b.document, m_package, b.codec));
+    b.addNote("from B");
+    expectOk(package::saveInPlace(*b.document));
+    NodePtr mine = m_a.addNote("unsaved");
+    std::vector<DocumentUpdate> updates;
+    m_a.document->addObserver([&](const DocumentUpdate& update) { updates.push_back(update); });
+
+    JournalChanges changes = readJournalChanges(m_package, m_a.document->journalIdentities(),
+                                                m_a.document->journalMarks(), m_files);
+    ASSERT_FALSE(changes.error);
+    ASSERT_FALSE(changes.needsReplay);
+    EXPECT_EQ(m_a.document->mergeRecords(changes.appended), GetParam().outcome);
+    if (GetParam().outcome == Document::MergeOutcome::needsReplay) {
+        EXPECT_TRUE(updates.empty());
+        Client fresh(kClientA);
+        expectOk(package::replay(*fresh.document, m_package, fresh.codec,
+                                 m_a.document->journalRecords()));
+        m_a.document->adoptReplayedTree(*fresh.document);
+    }
+    m_a.document->setJournalIdentities(changes.identities);
+    ASSERT_EQ(updates.size(), 1u);
+    const std::string tree = treeText(*m_a.document);
+    EXPECT_NE(tree.find("from B"), std::string::npos);
+    EXPECT_NE(tree.find("unsaved"), std::string::npos);
+    // Undo takes back exactly A's own edit, and nothing new is left to merge.
+    EXPECT_FALSE(m_a.document->undoProblem());
+    m_a.document->undo();
+    EXPECT_EQ(treeText(*m_a.document).find("unsaved"), std::string::npos);
+    EXPECT_TRUE(readJournalChanges(m_package, m_a.document->journalIdentities(),
+                                   m_a.document->journalMarks(), m_files)
+                    .appended.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, LiveMerge,
+                         ::testing::Values(LiveCase{"LaterRecordsApplyInPlace", 1,
+                                                    Document::MergeOutcome::applied},
+                                           LiveCase{"EarlierRecordsNeedAReplay", -1,
+                                                    Document::MergeOutcome::needsReplay}),
+                         [](const auto& testCase) { return std::string(testCase.param.name); });
+
+TEST_F(SyncFolderTest, ADamagedJournalIsNamedAndChangesNothing) {
+    writeText(journal(kClientB), "{ \"diffs\" : [");
+    JournalChanges changes = readJournalChanges(m_package, m_a.document->journalIdentities(),
+                                                m_a.document->journalMarks(), m_files);
+    ASSERT_TRUE(changes.error);
+    EXPECT_NE(changes.error->message.find(kClientB + ".journal"), std::string::npos);
 }
 
 } // namespace
