@@ -1,0 +1,226 @@
+#!/usr/bin/env python3
+"""Two installations share one notebook through real sync tools on 127.0.0.1 and add notes at the
+same time, in the same second and with clocks an hour apart; both must end with the same tree
+holding every note. Usage: sync.py QUILLERY_CLI"""
+
+import json
+import os
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+import xml.etree.ElementTree as ET
+
+CLI = os.path.abspath(sys.argv[1])
+WAIT_SECONDS = 60
+
+
+def free_port():
+    with socket.socket() as s:
+        s.bind(("127.0.0.1", 0))
+        return s.getsockname()[1]
+
+
+class Installation:
+    """One machine's quillery-cli: its own home, preferences and runtime folder."""
+
+    def __init__(self, root, name, notebook):
+        self.name = name
+        self.home = os.path.join(root, name)
+        self.notebook = notebook
+        self.env = dict(os.environ)
+        for key, sub in (("HOME", "home"), ("XDG_CONFIG_HOME", "config"),
+                         ("XDG_CACHE_HOME", "cache"), ("XDG_RUNTIME_DIR", "run")):
+            path = os.path.join(self.home, sub)
+            os.makedirs(path, exist_ok=True)
+            os.chmod(path, 0o700)
+            self.env[key] = path
+
+    def start(self, arguments, clock=None):
+        command = [CLI] + arguments
+        if clock:
+            command = ["faketime", "-f", clock] + command
+        return subprocess.Popen(command, env=self.env, stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE, text=True)
+
+    def run(self, arguments, clock=None):
+        process = self.start(arguments, clock)
+        out, err = process.communicate()
+        if process.returncode != 0:
+            raise SystemExit(f"{self.name}: quillery-cli {' '.join(arguments)} failed:\n{err}")
+        return out.strip()
+
+    def add(self, text, parent=None, clock=None):
+        arguments = ["add", self.notebook, "--text", text]
+        if parent:
+            arguments += ["--parent", parent]
+        return self.run(arguments, clock)
+
+    def export(self):
+        process = self.start(["export", self.notebook])
+        out, _ = process.communicate()
+        return out if process.returncode == 0 else None
+
+
+def texts(tree_json):
+    found = []
+
+    def walk(node):
+        found.append(node["text"])
+        for child in node.get("children", []):
+            walk(child)
+
+    walk(json.loads(tree_json)["root"])
+    return found
+
+
+def wait_for(condition, what, sync=None):
+    deadline = time.time() + WAIT_SECONDS
+    while time.time() < deadline:
+        if sync:
+            sync()
+        if condition():
+            return
+        time.sleep(0.5)
+    raise SystemExit(f"timed out waiting for {what}")
+
+
+def converge(a, b, expected, sync=None):
+    def same():
+        ta, tb = a.export(), b.export()
+        if not ta or ta != tb:
+            return False
+        return sorted(t for t in texts(ta) if t) == sorted(expected)
+
+    wait_for(same, "both sides to hold every note", sync)
+
+
+def share(a, b, sync=None):
+    """Adds notes from both sides at once, in one second and with skewed clocks."""
+    expected = []
+    # At the same time, many each.
+    running = []
+    for side in (a, b):
+        script = [f"{CLI} add {side.notebook} --text '{side.name} {i}'" for i in range(8)]
+        running.append(subprocess.Popen(["bash", "-c", " && ".join(script)], env=side.env,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.PIPE))
+        expected += [f"{side.name} {i}" for i in range(8)]
+    for process in running:
+        if process.wait() != 0:
+            raise SystemExit(process.stderr.read().decode())
+    # A child under the other machine's note, stamped in the same second; and children under a
+    # note made by a clock an hour ahead or behind.
+    for label, clock_of_parent, clock_of_child in (("same second", "@2031-05-06 07:08:09",
+                                                    "@2031-05-06 07:08:09"),
+                                                   ("parent ahead", "+1h", None),
+                                                   ("parent behind", "-1h", None)):
+        parent = a.add(f"parent {label}", clock=clock_of_parent)
+        expected.append(f"parent {label}")
+        wait_for(lambda: b.export() and f"parent {label}" in texts(b.export()),
+                 f"{label} parent on the other side", sync)
+        b.add(f"child {label}", parent=parent, clock=clock_of_child)
+        a.add(f"sibling {label}", parent=parent, clock=clock_of_child)
+        expected += [f"child {label}", f"sibling {label}"]
+    converge(a, b, expected, sync)
+    return expected
+
+
+def syncthing_config(home, listen_port, gui_port, other_id, other_port, folder):
+    path = os.path.join(home, "config.xml")
+    tree = ET.parse(path)
+    root = tree.getroot()
+    own_id = root.find("device").get("id")
+    options = root.find("options")
+    settings = {"listenAddress": f"tcp://127.0.0.1:{listen_port}",
+                "globalAnnounceEnabled": "false", "localAnnounceEnabled": "false",
+                "relaysEnabled": "false", "natEnabled": "false", "urAccepted": "-1",
+                "startBrowser": "false", "crashReportingEnabled": "false",
+                "autoUpgradeIntervalH": "0"}
+    for key, value in settings.items():
+        element = options.find(key)
+        if element is None:
+            element = ET.SubElement(options, key)
+        element.text = value
+    root.find("gui").find("address").text = f"127.0.0.1:{gui_port}"
+    device = ET.SubElement(root, "device", id=other_id, name="other", compression="metadata",
+                           introducer="false")
+    ET.SubElement(device, "address").text = f"tcp://127.0.0.1:{other_port}"
+    shared = ET.SubElement(root, "folder", id="notes", label="notes", path=folder,
+                           type="sendreceive", rescanIntervalS="2", fsWatcherEnabled="true",
+                           fsWatcherDelayS="1")
+    for device_id in (own_id, other_id):
+        ET.SubElement(shared, "device", id=device_id)
+    tree.write(path)
+
+
+def with_syncthing(root):
+    homes, ids, listen = {}, {}, {}
+    for name in ("a", "b"):
+        homes[name] = os.path.join(root, "syncthing-" + name)
+        subprocess.run(["syncthing", "generate", "--home=" + homes[name], "--no-default-folder"],
+                       check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        ids[name] = subprocess.run(["syncthing", "serve", "--home=" + homes[name], "--device-id"],
+                                   check=True, capture_output=True, text=True).stdout.strip()
+        listen[name] = free_port()
+    folders = {name: os.path.join(root, "sync-" + name) for name in ("a", "b")}
+    for name, other in (("a", "b"), ("b", "a")):
+        os.makedirs(folders[name])
+        syncthing_config(homes[name], listen[name], free_port(), ids[other], listen[other],
+                         folders[name])
+    daemons = []
+    try:
+        for name in ("a", "b"):
+            log = open(os.path.join(root, f"syncthing-{name}.log"), "w")
+            env = dict(os.environ, HOME=homes[name], STNODEFAULTFOLDER="1")
+            daemons.append(subprocess.Popen(
+                ["syncthing", "serve", "--home=" + homes[name], "--no-browser", "--no-restart"],
+                env=env, stdout=log, stderr=subprocess.STDOUT))
+        a = Installation(root, "A", os.path.join(folders["a"], "Notes.quillery"))
+        b = Installation(root, "B", os.path.join(folders["b"], "Notes.quillery"))
+        a.run(["new", a.notebook])
+        wait_for(lambda: b.export() is not None, "the new notebook on the other side")
+        return share(a, b)
+    finally:
+        for daemon in daemons:
+            daemon.terminate()
+            daemon.wait()
+
+
+def with_unison(root):
+    folders = {name: os.path.join(root, "unison-" + name) for name in ("a", "b")}
+    for folder in folders.values():
+        os.makedirs(folder)
+    env = dict(os.environ, UNISON=os.path.join(root, "unison-state"))
+
+    def sync():
+        subprocess.run(["unison", folders["a"], folders["b"], "-batch", "-auto", "-times",
+                        "-silent", "-confirmbigdel=false"], env=env, check=False,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    a = Installation(root, "A", os.path.join(folders["a"], "Notes.quillery"))
+    b = Installation(root, "B", os.path.join(folders["b"], "Notes.quillery"))
+    a.run(["new", a.notebook])
+    sync()
+    return share(a, b, sync)
+
+
+def main():
+    missing = [tool for tool in ("syncthing", "unison", "faketime") if not shutil.which(tool)]
+    if missing:
+        print(f"sync tests skipped: {', '.join(missing)} not installed")
+        return
+    root = tempfile.mkdtemp(prefix="quillery-sync-")
+    try:
+        for name, scenario in (("Syncthing", with_syncthing), ("Unison", with_unison)):
+            started = time.time()
+            notes = scenario(root)
+            print(f"{name}: both sides hold the same {len(notes)} notes "
+                  f"({time.time() - started:.1f} s)")
+    finally:
+        shutil.rmtree(root, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    main()
