@@ -200,7 +200,12 @@ std::optional<StorageError> PackageWriter::writeJournal(Document& document,
     std::unique_ptr<WritableFile> file;
     if (auto error = m_files.createFile(path, file))
         return writeError(error, what);
-    const std::vector<DocumentDiff> records = document.journalRecords();
+    // The log alone, unless records of other writers were adopted: a large log is not copied.
+    std::vector<DocumentDiff> merged;
+    if (!document.adoptedDiffs().empty())
+        merged = document.journalRecords();
+    const std::vector<DocumentDiff>& records =
+        document.adoptedDiffs().empty() ? document.diffs() : merged;
     auto result =
         m_journalWriter.write(*file, document.clientIdentifier(), document.now(), records);
     std::error_code error = result.fileError;
