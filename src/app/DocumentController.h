@@ -56,6 +56,8 @@ public:
 
     const std::vector<DocumentWindow*>& windows() const { return m_windows; }
     DocumentPrompts& prompts() const { return m_prompts; }
+    Preferences& preferences() const { return m_preferences; }
+    const PictureCodec& codec() const { return m_codec; }
     RecentDocuments& recentDocuments() { return m_recentDocuments; }
     SessionState& session() { return m_session; }
     // Records the notebooks of the windows shown now, but for the one closing, as those to bring

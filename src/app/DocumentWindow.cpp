@@ -4,6 +4,8 @@
 #include "app/DocumentController.h"
 #include "app/DocumentPrompts.h"
 #include "app/FindBar.h"
+#include "app/LiveMerge.h"
+#include "app/MessageBar.h"
 #include "app/NoteCommands.h"
 #include "app/RevealNote.h"
 #include "columns/EditNodeViewController.h"
@@ -56,8 +58,11 @@ DocumentWindow::DocumentWindow(DocumentController& controller, std::unique_ptr<D
     m_contentLayout = new QVBoxLayout(central);
     m_contentLayout->setContentsMargins(0, 0, 0, 0);
     m_contentLayout->setSpacing(0);
+    m_messageBar = new MessageBar(central);
+    m_contentLayout->addWidget(m_messageBar);
     setCentralWidget(central);
     showContent();
+    startLiveMerge();
     // Room for three columns: the opened note, its children and theirs.
     const int width = splitViewController()->columnWidth();
     resize(width * 3 + 2, width * 9 / 4);
@@ -70,6 +75,7 @@ DocumentWindow::DocumentWindow(DocumentController& controller, std::unique_ptr<D
 DocumentWindow::~DocumentWindow() {
     // The focus moves as the columns go; a half-destroyed window must not hear of it.
     disconnect(qApp, &QApplication::focusChanged, this, nullptr);
+    m_liveMerge.reset();
     delete takeCentralWidget();
     m_content = nullptr;
     detachDocument();
@@ -111,6 +117,7 @@ bool DocumentWindow::saveAs() {
     m_autosaveFailed = false;
     m_controller.recentDocuments().note(qtPath(*m_document->fileLocation()));
     m_controller.rememberOpenNotebooks();
+    startLiveMerge();
     updateTitle();
     updateActions();
     return true;
@@ -133,6 +140,8 @@ void DocumentWindow::revert() {
         return;
     }
     m_autosaveTimer.stop();
+    m_liveMerge.reset();
+    m_messageBar->hide();
     const ColumnRowState where = ColumnRowState::capture(*m_content);
     delete m_content;
     m_content = nullptr;
@@ -143,6 +152,7 @@ void DocumentWindow::revert() {
     m_document = std::move(result.document);
     attachDocument();
     showContent();
+    startLiveMerge();
     splitViewController()->makeSplitViewFirstResponder(0);
     where.restore(*m_content, *m_document);
     documentDidChange();
@@ -239,7 +249,12 @@ void DocumentWindow::connectActions() {
 void DocumentWindow::attachDocument() {
     m_document->setUndoManager(m_undoManager.get());
     m_undoManager->setChangeListener([this] { documentDidChange(); });
-    m_observer = m_document->addObserver([this](const DocumentUpdate&) { documentDidChange(); });
+    m_observer = m_document->addObserver([this](const DocumentUpdate& update) {
+        if (update.type == NodeUpdateType::reloadedTree) {
+            rebuildContent();
+        }
+        documentDidChange();
+    });
 }
 
 void DocumentWindow::detachDocument() {
@@ -252,14 +267,48 @@ void DocumentWindow::showContent() {
     // The find bar goes above the columns; it searches this document, so Revert replaces it too.
     m_findBar = new FindBar(*m_document);
     m_contentLayout->insertWidget(0, m_findBar);
+    connect(m_findBar, &FindBar::noteChosen, this,
+            [this](const NodePtr& note) { revealNote(*splitViewController(), *note); });
+    showColumns();
+}
+
+void DocumentWindow::showColumns() {
     m_content = new MyHorizontalScrollViewController(m_document.get());
     m_contentLayout->addWidget(m_content, 1);
     // In a window already on screen (after Revert) the columns appear at once.
     m_content->show();
-    connect(m_findBar, &FindBar::noteChosen, this,
-            [this](const NodePtr& note) { revealNote(*splitViewController(), *note); });
     connect(splitViewController(), &MySplitViewController::panelShownChanged, this,
             &DocumentWindow::updateActions);
+    connect(splitViewController(), &MySplitViewController::panelShownChanged, this,
+            [this](bool shown) {
+                if (m_liveMerge) {
+                    m_liveMerge->setHeld(shown);
+                }
+            });
+}
+
+void DocumentWindow::rebuildContent() {
+    // The old columns still show the old nodes, and so still know which notes were open.
+    const ColumnRowState where = ColumnRowState::capture(*m_content);
+    delete m_content;
+    m_content = nullptr;
+    showColumns();
+    where.restore(*m_content, *m_document);
+}
+
+void DocumentWindow::startLiveMerge() {
+    m_liveMerge.reset();
+    if (!m_document->fileLocation()) {
+        return;
+    }
+    m_liveMerge =
+        std::make_unique<LiveMerge>(*m_document, m_controller.preferences(), m_controller.codec());
+    connect(m_liveMerge.get(), &LiveMerge::journalDamaged, this, [this](const QString& reason) {
+        m_messageBar->showMessage(
+            tr("Changes another writer made to this notebook could not be read, so they are not "
+               "shown: %1")
+                .arg(reason));
+    });
 }
 
 void DocumentWindow::documentDidChange() {
@@ -324,6 +373,9 @@ bool DocumentWindow::saveInPlace() {
     }
     m_autosaveFailed = false;
     m_document->markSaved();
+    if (m_liveMerge) {
+        m_liveMerge->noteOwnSave();
+    }
     updateTitle();
     return true;
 }

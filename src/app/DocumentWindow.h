@@ -16,6 +16,8 @@ namespace quillery {
 class DocumentController;
 class FindBar;
 class ListViewController;
+class LiveMerge;
+class MessageBar;
 class MyHorizontalScrollViewController;
 class MySplitViewController;
 class NoteCommands;
@@ -39,6 +41,10 @@ public:
     UndoManager& undoManager() const { return *m_undoManager; }
     const DocumentActions& actions() const { return m_actions; }
     MyHorizontalScrollViewController* scrollViewController() const { return m_content; }
+    MessageBar* messageBar() const { return m_messageBar; }
+    // Keeps the open notebook in step with other writers of its package; null while the
+    // notebook has no location.
+    LiveMerge* liveMerge() const { return m_liveMerge.get(); }
     MySplitViewController* splitViewController() const;
     // The package's name without ".quillery", or the untitled name.
     QString displayName() const;
@@ -70,6 +76,11 @@ private:
     void attachDocument();
     void detachDocument();
     void showContent();
+    void showColumns();
+    // The columns built anew over a tree that replaced the old one, opening the same notes.
+    void rebuildContent();
+    // Follows the package on disk from now on (or stops, when the notebook has no location).
+    void startLiveMerge();
     void documentDidChange();
     void updateTitle();
     void updateActions();
@@ -92,9 +103,11 @@ private:
     Document::ObserverId m_observer = 0;
     QString m_untitledName;
     QVBoxLayout* m_contentLayout = nullptr;
+    MessageBar* m_messageBar = nullptr;
     MyHorizontalScrollViewController* m_content = nullptr;
     FindBar* m_findBar = nullptr; // above the columns, in the central widget with them
     DocumentActions m_actions;
+    std::unique_ptr<LiveMerge> m_liveMerge;
     NoteCommands* m_noteCommands = nullptr;
     QTimer m_autosaveTimer;
     // One warning per run of failing autosaves, not one per change.

@@ -138,6 +138,18 @@ TEST_F(DocumentControllerTest, ClosingAllClosesNoneWhenTheUserKeepsOne) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return controller.windows().empty(); }));
 }
 
+TEST_F(DocumentControllerTest, AFolderThatIsNoNotebookIsNamedSoAndLeftAlone) {
+    const auto folder = path("Photos");
+    std::filesystem::create_directories(folder);
+    writeFile(folder / "beach.txt", "sand");
+
+    EXPECT_EQ(controller.openDocument(folder), nullptr);
+
+    ASSERT_EQ(prompts.warnings.size(), 1u);
+    EXPECT_TRUE(prompts.warnings[0].details.contains(QStringLiteral("is not a Quillery notebook")));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+}
+
 TEST_F(DocumentControllerTest, AnotherStartOpensItsNotebooksOnceOrBringsAWindowForward) {
     const QString trip = QString::fromStdString(makePackage("Trip.quillery", {"a"}).string());
 

@@ -1,0 +1,111 @@
+#include "app/LiveMerge.h"
+
+#include "QtPrinters.h"
+#include "app/AppFixture.h"
+#include "app/MessageBar.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <fstream>
+
+namespace quillery {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Another installation writes the package of an open window.
+class LiveMergeTest : public AppFixture {
+protected:
+    // The other installation adds a note at the index of the top level, stamped by its clock: a
+    // minute ahead unless told, so that its record comes after everything in the package.
+    void addElsewhere(
+        const std::filesystem::path& location, const std::string& text, long at,
+        Document::Clock clock = [] { return std::chrono::system_clock::now() + 1min; }) {
+        InMemoryPreferences elsewhere;
+        Document other(elsewhere, &codec, std::move(clock));
+        ASSERT_FALSE(package::read(other, location, codec).has_value());
+        const NodePtr& root = other.rootNode();
+        other.userDidAdd(*NotebookNode::create(root->identifier(), text), *root, at);
+        ASSERT_FALSE(package::saveInPlace(other).has_value());
+    }
+
+    // The window looks at its package at once and is done with what it found.
+    static void merge(DocumentWindow& window) {
+        QSignalSpy settled(window.liveMerge(), &LiveMerge::settled);
+        window.liveMerge()->watcher().checkNow();
+        ASSERT_TRUE(settled.wait(10000));
+    }
+
+    static std::vector<std::string> texts(ListViewController* column) {
+        std::vector<std::string> shown;
+        for (const NodePtr& child : column->representedNode()->children())
+            shown.push_back(child->text());
+        return shown;
+    }
+};
+
+TEST_F(LiveMergeTest, LaterNotesJoinInPlaceAndTheSelectionStays) {
+    const auto location = makePackage("Trip.quillery", {"A", "B", "C"});
+    DocumentWindow& window = *controller.openDocument(location);
+    ListViewController* first = window.splitViewController()->column(0);
+    first->selectRow(2);
+
+    addElsewhere(location, "New", 1);
+    merge(window);
+
+    EXPECT_EQ(window.splitViewController()->column(0), first) << "no column was rebuilt";
+    EXPECT_EQ(rowCount(first), 4);
+    EXPECT_EQ(texts(first), (std::vector<std::string>{"A", "New", "B", "C"}));
+    EXPECT_EQ(first->selectedNode()->text(), "C");
+}
+
+TEST_F(LiveMergeTest, UndoAfterAMergeTakesBackOnlyTheLocalEdit) {
+    const auto location = makePackage("Trip.quillery", {"A"});
+    DocumentWindow& window = *controller.openDocument(location);
+    window.setAutosaveDelay(1h);
+    addNote(window, "Mine");
+
+    addElsewhere(location, "Theirs", -1);
+    merge(window);
+    window.undoManager().undo();
+
+    EXPECT_EQ(texts(window.splitViewController()->column(0)),
+              (std::vector<std::string>{"A", "Theirs"}));
+}
+
+TEST_F(LiveMergeTest, EarlierNotesAreReplayedAndTheSameColumnsOpenAgain) {
+    const auto location = makePackage("Trip.quillery", {"A", "B"});
+    DocumentWindow& window = *controller.openDocument(location);
+    MySplitViewController& split = *window.splitViewController();
+    const NodePtr b = window.document().rootNode()->children()[1];
+    window.document().userDidAdd(*NotebookNode::create(b->identifier(), "B1"), *b, -1);
+    ASSERT_TRUE(window.save());
+    split.column(0)->selectRow(1);
+    split.column(1)->selectRow(0);
+    ListViewController* before = split.column(0);
+
+    addElsewhere(location, "Old", 0, [] { return std::chrono::system_clock::now() - 24h * 365; });
+    merge(window);
+
+    EXPECT_NE(split.column(0), before) << "the columns are built over the replayed tree";
+    EXPECT_EQ(texts(split.column(0)), (std::vector<std::string>{"Old", "A", "B"}));
+    ASSERT_NE(split.column(1), nullptr);
+    EXPECT_EQ(split.column(0)->selectedNode()->text(), "B");
+    EXPECT_EQ(split.column(1)->selectedNode()->text(), "B1");
+}
+
+TEST_F(LiveMergeTest, ADamagedJournalLeavesTheNotebookAndIsNamedInTheWindow) {
+    const auto location = makePackage("Trip.quillery", {"A"});
+    DocumentWindow& window = *controller.openDocument(location);
+
+    std::ofstream(location / "Broken.journal") << "{ not json";
+    merge(window);
+
+    EXPECT_TRUE(window.messageBar()->isVisible());
+    EXPECT_TRUE(window.messageBar()->text().contains(QStringLiteral("Broken.journal")));
+    EXPECT_EQ(texts(window.splitViewController()->column(0)), std::vector<std::string>{"A"});
+}
+
+} // namespace
+} // namespace quillery
