@@ -150,19 +150,6 @@ TEST_F(DocumentControllerTest, AFolderThatIsNoNotebookIsNamedSoAndLeftAlone) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
 }
 
-TEST_F(DocumentControllerTest, AnotherStartOpensItsNotebooksOnceOrBringsAWindowForward) {
-    const QString trip = QString::fromStdString(makePackage("Trip.quillery", {"a"}).string());
-
-    controller.openForAnotherStart({});
-    ASSERT_EQ(controller.windows().size(), 1u) << "a new notebook when none is open";
-    controller.openForAnotherStart({trip});
-    controller.openForAnotherStart({trip});
-    controller.openForAnotherStart({});
-
-    ASSERT_TRUE(QTest::qWaitFor([&] { return controller.windows().size() == 1u; }));
-    EXPECT_EQ(controller.windows()[0]->displayName(), QStringLiteral("Trip"));
-}
-
 // A notebook of 10,000 notes opens and its first column shows them.
 TEST_F(DocumentControllerTest, ALargeNotebookOpensWithItsFirstColumn) {
     std::vector<std::string> texts;

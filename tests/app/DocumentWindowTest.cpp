@@ -362,26 +362,6 @@ TEST_F(DocumentWindowEditorTest, AnUntitledNotebookAsksAboutTypedTextAndCancelKe
     EXPECT_EQ(editor.textView()->toPlainText(), QStringLiteral("draft two"));
 }
 
-TEST_F(DocumentWindowTest, RevertOpensTheSameNotesAgain) {
-    const auto location = makePackage("Trip.quillery", {"Flights", "Hotels"});
-    DocumentWindow& window = *controller.openDocument(location);
-    Document& document = window.document();
-    const NodePtr hotels = document.rootNode()->children()[1];
-    document.add(*NotebookNode::create(hotels->identifier(), "Oslo"), *hotels, -1);
-    ASSERT_TRUE(window.save());
-    MySplitViewController& split = *window.splitViewController();
-    split.column(0)->selectRow(1);
-    split.column(1)->selectRow(0);
-
-    action(window, "actionRevert").trigger();
-
-    MySplitViewController& reverted = *window.splitViewController();
-    ASSERT_NE(reverted.column(1), nullptr);
-    EXPECT_EQ(reverted.column(0)->selectedNode()->text(), "Hotels");
-    EXPECT_EQ(reverted.column(1)->selectedNode()->text(), "Oslo");
-    EXPECT_NE(reverted.column(1)->representedNode(), hotels) << "the nodes are read again";
-}
-
 TEST_F(DocumentWindowTest, RevertReadsThePackageAgainAndForgetsTheHistory) {
     const auto location = makePackage("Trip.quillery", {"Flights"});
     DocumentWindow& window = *controller.openDocument(location);

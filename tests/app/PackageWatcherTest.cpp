@@ -8,7 +8,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace quillery {
@@ -55,46 +54,27 @@ TEST_P(PackageWatcherTest, ReportsTheJournalsWhoseContentChanged) {
 
 INSTANTIATE_TEST_SUITE_P(
     Changes, PackageWatcherTest,
-    ::testing::Values(
-        PackageChange{"NewJournal",
-                      [](const QDir& package, PackageWatcher&) {
-                          write(package, QStringLiteral("C.journal"), "{}");
-                      },
-                      {QStringLiteral("C.journal")}},
-        PackageChange{"JournalRewritten",
-                      [](const QDir& package, PackageWatcher&) {
-                          write(package, QStringLiteral("B.journal"), "{\"diffs\": []}");
-                      },
-                      {QStringLiteral("B.journal")}},
-        PackageChange{
-            "JournalReplacedByRename",
-            [](const QDir& package, PackageWatcher&) {
-                write(package, QStringLiteral("A.journal.quillery-tmp"), "{ }");
-                // Over the old file, as writers and sync tools replace a journal.
-                std::filesystem::rename(
-                    package.filePath(QStringLiteral("A.journal.quillery-tmp")).toStdString(),
-                    package.filePath(QStringLiteral("A.journal")).toStdString());
-            },
-            {QStringLiteral("A.journal")}},
-        PackageChange{"SyncToolsTemporaryFiles",
-                      [](const QDir& package, PackageWatcher&) {
-                          write(package, QStringLiteral(".syncthing.C.journal.tmp"), "{");
-                          write(package, QStringLiteral("~C.journal"), "{");
-                          write(package, QStringLiteral("C.journal.part"), "{");
-                      },
-                      {}},
-        PackageChange{"OwnWriteMarkedSeen",
-                      [](const QDir& package, PackageWatcher& watcher) {
-                          write(package, QStringLiteral("A.journal"), "{\"diffs\": []}");
-                          watcher.markSeen({QStringLiteral("A.journal")});
-                      },
-                      {}}),
+    ::testing::Values(PackageChange{"NewJournal",
+                                    [](const QDir& package, PackageWatcher&) {
+                                        write(package, QStringLiteral("C.journal"), "{}");
+                                    },
+                                    {QStringLiteral("C.journal")}},
+                      PackageChange{"SyncToolsTemporaryFiles",
+                                    [](const QDir& package, PackageWatcher&) {
+                                        write(package, QStringLiteral(".syncthing.C.journal.tmp"),
+                                              "{");
+                                        write(package, QStringLiteral("~C.journal"), "{");
+                                        write(package, QStringLiteral("C.journal.part"), "{");
+                                    },
+                                    {}},
+                      PackageChange{"OwnWriteMarkedSeen",
+                                    [](const QDir& package, PackageWatcher& watcher) {
+                                        write(package, QStringLiteral("A.journal"),
+                                              "{\"diffs\": []}");
+                                        watcher.markSeen({QStringLiteral("A.journal")});
+                                    },
+                                    {}}),
     [](const auto& testCase) { return std::string(testCase.param.name); });
-
-TEST_F(PackageWatcherTest, AFolderThatCannotBeWatchedIsLookedAtPeriodically) {
-    EXPECT_FALSE(PackageWatcher(package.path()).isPolling());
-    EXPECT_TRUE(PackageWatcher(package.filePath(QStringLiteral("missing"))).isPolling());
-}
 
 } // namespace
 } // namespace quillery

@@ -68,11 +68,6 @@ INSTANTIATE_TEST_SUITE_P(
                                                   sizeof address),
                                              0);
                                    close(fd);
-                               }},
-                      Leftover{"PlainFile",
-                               [](const QString& path) {
-                                   QFile file(path);
-                                   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
                                }}),
     [](const auto& testCase) { return std::string(testCase.param.name); });
 
