@@ -17,8 +17,9 @@ constexpr std::string_view kUsage =
     "\n"
     "Reads a note's text from standard input and prints its styled runs as a JSON array, in\n"
     "order. A text run is {\"text\": ..., \"line\": \"h1\"...\"h6\" or \"body\", \"style\":\n"
-    "\"none\", \"italic\", \"bold\", \"code\" or \"link\"}, with \"link\": ... when it carries a\n"
-    "target; a line terminator is {\"newline\": true}. Bytes that are not UTF-8 read as U+FFFD.\n"
+    "\"none\", \"italic\", \"bold\", \"code\", \"link\" or \"list\" (a list item's bullet or\n"
+    "number)}, with \"link\": ... when it carries a target; a line terminator is {\"newline\": "
+    "true}. Bytes that are not UTF-8 read as U+FFFD.\n"
     "\n"
     "Options:\n"
     "  -h, --help  show this text\n";
@@ -53,6 +54,8 @@ std::string_view styleName(LineStyle style) {
         return "code";
     case LineStyle::link:
         return "link";
+    case LineStyle::listMarker:
+        return "list";
     case LineStyle::none:
         break;
     }

@@ -60,6 +60,14 @@ void LineScanner::skipLinkDelimiters() {
     takeFrom(isLinkDelimiterByte);
 }
 
+bool LineScanner::skip(std::string_view text) {
+    if (!m_line.substr(m_location).starts_with(text)) {
+        return false;
+    }
+    m_location += text.size();
+    return true;
+}
+
 bool LineScanner::atWordCharacter() const {
     if (atEnd()) {
         return false;

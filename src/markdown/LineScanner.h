@@ -29,6 +29,8 @@ public:
     std::optional<std::string_view> takeUpToLinkDelimiter();
     // take-from("]()"), result dropped.
     void skipLinkDelimiters();
+    // Steps over `text` when the line continues with it here; says whether it did.
+    bool skip(std::string_view text);
     // Whether take-up-to(whitespace or punctuation) would succeed here: a character follows and it
     // is neither whitespace nor punctuation. The cursor does not move.
     bool atWordCharacter() const;

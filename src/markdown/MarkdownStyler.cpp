@@ -71,6 +71,57 @@ std::string_view trimmedOfWhitespaceAndNewlines(std::string_view text) {
     return text.substr(start, end - start);
 }
 
+// One line of the source: its text runs from `start` to `end`, and its newline character, if any,
+// is `separator` bytes long.
+struct SourceLine {
+    std::size_t start = 0;
+    std::size_t end = 0;
+    std::size_t separator = 0;
+
+    std::string_view in(std::string_view text) const { return text.substr(start, end - start); }
+};
+
+SourceLine lineAt(std::string_view text, std::size_t start) {
+    SourceLine line{start, start, 0};
+    for (; line.end < text.size(); ++line.end) {
+        if (kNewlineLead[static_cast<unsigned char>(text[line.end])]) {
+            line.separator = newlineLength(text, line.end);
+            if (line.separator != 0) {
+                break;
+            }
+        }
+    }
+    return line;
+}
+
+// The heading level a line of "=" or "-" alone (spaces and tabs allowed) gives the line above it.
+std::optional<LineType> underlineType(std::string_view line) {
+    const std::size_t first = line.find_first_not_of(" \t");
+    if (first == std::string_view::npos || (line[first] != '=' && line[first] != '-')) {
+        return std::nullopt;
+    }
+    const char mark = line[first];
+    for (const char c : line.substr(first)) {
+        if (c != mark && c != ' ' && c != '\t') {
+            return std::nullopt;
+        }
+    }
+    return mark == '=' ? LineType::h1 : LineType::h2;
+}
+
+// The length of a list item's prefix ("- ", "* ", or digits and ". ") at the start of `line`, or
+// 0 when the line is no list item.
+std::size_t listPrefixLength(std::string_view line) {
+    if (line.starts_with("- ") || line.starts_with("* ")) {
+        return 2;
+    }
+    const std::size_t digits = line.find_first_not_of("0123456789");
+    if (digits == 0 || digits == std::string_view::npos) {
+        return 0;
+    }
+    return line.substr(digits).starts_with(". ") ? digits + 2 : 0;
+}
+
 } // namespace
 
 MarkdownStyler::MarkdownStyler(std::string_view text)
@@ -84,39 +135,31 @@ std::vector<StyledRun> MarkdownStyler::attributedString() {
     runs.reserve(std::min<std::size_t>(4 + m_text.size() / 24, 4096));
     const std::string_view text = m_text;
     bool skipLine = false;
-    std::size_t start = 0;
+    SourceLine line = lineAt(text, 0);
     for (;;) {
-        std::size_t end = start;
-        std::size_t separator = 0;
-        for (; end < text.size(); ++end) {
-            if (kNewlineLead[static_cast<unsigned char>(text[end])]) {
-                separator = newlineLength(text, end);
-                if (separator != 0) {
-                    break;
-                }
-            }
+        const bool hasNext = line.end < text.size();
+        std::optional<SourceLine> next;
+        if (hasNext) {
+            next = lineAt(text, line.end + line.separator);
         }
-        const bool hasNext = end < text.size();
-        const std::size_t next = end + separator;
         if (skipLine) {
             skipLine = false;
         } else {
-            // A next line that is empty has no first character.
-            std::optional<char> nextLineStart;
-            if (next < text.size()) {
-                nextLineStart = text[next];
+            std::optional<std::string_view> nextText;
+            if (next) {
+                nextText = next->in(text);
             }
-            skipLine = styleLine(text.substr(start, end - start), nextLineStart, runs);
+            skipLine = styleLine(line.in(text), nextText, runs);
         }
-        if (!hasNext) {
+        if (!next) {
             break;
         }
-        start = next;
+        line = *next;
     }
     return runs;
 }
 
-bool MarkdownStyler::styleLine(std::string_view line, std::optional<char> nextLineStart,
+bool MarkdownStyler::styleLine(std::string_view line, std::optional<std::string_view> nextLine,
                                std::vector<StyledRun>& runs) {
     std::string_view text = line.empty() ? std::string_view(" ") : line;
 
@@ -129,24 +172,26 @@ bool MarkdownStyler::styleLine(std::string_view line, std::optional<char> nextLi
         m_currentType = static_cast<LineType>(level - 1);
     }
 
-    // Only the first character of the next line, as it stands in the source, makes it an
-    // underline; "- item" under a line consumes the item.
-    bool consumesNext = false;
-    if (nextLineStart == '=') {
-        m_currentType = LineType::h1;
-        consumesNext = true;
-    }
-    if (nextLineStart == '-') {
-        m_currentType = LineType::h2;
-        consumesNext = true;
+    // Only a next line of underline characters alone is an underline, so "- eggs" under
+    // "Shopping" stays a list item.
+    const std::optional<LineType> underline =
+        nextLine ? underlineType(*nextLine) : std::optional<LineType>();
+    if (underline) {
+        m_currentType = *underline;
     }
 
+    if (const std::size_t prefix =
+            m_currentType == LineType::body || underline ? listPrefixLength(text) : 0) {
+        appendPiece(runs, text[0] == '-' || text[0] == '*' ? "\u2022 " : text.substr(0, prefix),
+                    LineStyle::listMarker);
+        text.remove_prefix(prefix);
+    }
     if (!text.empty()) {
         scanInline(text, runs);
     }
     runs.push_back(StyledRun{true, "\n", LineType::body, LineStyle::none, std::nullopt});
     m_currentType = LineType::body;
-    return consumesNext;
+    return underline.has_value();
 }
 
 std::string_view MarkdownStyler::headingText(std::string_view text, std::size_t level) {
@@ -176,7 +221,7 @@ void MarkdownStyler::scanInline(std::string_view text, std::vector<StyledRun>& r
     while (!scanner.atEnd()) {
         const std::optional<std::string_view> plain = scanner.takeUpToMarker();
         if (!plain) {
-            appendSpan(scanner, true, runs);
+            appendSpan(scanner, runs);
             continue;
         }
         appendPiece(runs, *plain, LineStyle::none);
@@ -186,15 +231,14 @@ void MarkdownStyler::scanInline(std::string_view text, std::vector<StyledRun>& r
         // to open a link. Otherwise the markers show as they are and the escapes are dropped.
         if (scanner.atWordCharacter() || tag.foundCharacters == "[") {
             scanner.setLocation(markerStart);
-            appendSpan(scanner, false, runs);
+            appendSpan(scanner, runs);
         } else {
             appendPiece(runs, tag.foundCharacters, LineStyle::none);
         }
     }
 }
 
-void MarkdownStyler::appendSpan(LineScanner& scanner, bool atStartOfLine,
-                                std::vector<StyledRun>& runs) {
+void MarkdownStyler::appendSpan(LineScanner& scanner, std::vector<StyledRun>& runs) {
     const TagPair open = TagPair::fromMarkerRun(scanner.takeMarkerRun());
     LineStyle style = styleFromString(open.foundCharacters);
     std::optional<std::string_view> following;
@@ -203,14 +247,20 @@ void MarkdownStyler::appendSpan(LineScanner& scanner, bool atStartOfLine,
         // Each skip takes a whole run of "]()", so "](" is passed in one step and a target ends
         // at the first of those characters.
         const std::optional<std::string_view> linkText = scanner.takeUpToLinkDelimiter();
-        scanner.skipLinkDelimiters();
-        const std::optional<std::string_view> target = scanner.takeUpToLinkDelimiter();
-        scanner.skipLinkDelimiters();
-        if (linkText && target) {
-            following = linkText;
-            linkTarget = target;
-        } else {
+        if (linkText && scanner.skip("]()")) {
+            // A link with an empty target shows its text plainly, and the rest of its line.
             style = LineStyle::none;
+            following = linkText;
+        } else {
+            scanner.skipLinkDelimiters();
+            const std::optional<std::string_view> target = scanner.takeUpToLinkDelimiter();
+            scanner.skipLinkDelimiters();
+            if (linkText && target) {
+                following = linkText;
+                linkTarget = target;
+            } else {
+                style = LineStyle::none;
+            }
         }
     } else {
         following = scanner.takeUpToMarker();
@@ -218,13 +268,7 @@ void MarkdownStyler::appendSpan(LineScanner& scanner, bool atStartOfLine,
 
     appendPiece(runs, open.escapedCharacters, style);
     if (following) {
-        if (style == LineStyle::code && atStartOfLine) {
-            std::string indented = "\t";
-            indented += *following;
-            appendPiece(runs, indented, style, linkTarget);
-        } else {
-            appendPiece(runs, *following, style, linkTarget);
-        }
+        appendPiece(runs, *following, style, linkTarget);
     }
     // The closing run need not match the opening one; only its escapes show.
     const TagPair close = TagPair::fromMarkerRun(scanner.takeMarkerRun());
@@ -269,7 +313,8 @@ RunPresentation MarkdownStyler::presentation(const StyledRun& run) const {
     RunPresentation shown;
     shown.font = FontForTextStyle(line.textStyle);
     shown.foreground = line.slot->color;
-    // Bold and italic look exactly like plain text of their line.
+    shown.font.bold = run.style == LineStyle::bold;
+    shown.font.italic = run.style == LineStyle::italic;
     if (run.style == LineStyle::code) {
         shown.foreground = code.color;
     } else if (run.style == LineStyle::link) {

@@ -12,9 +12,10 @@ namespace quillery {
 
 class LineScanner;
 
-// Turns one note's text into styled runs: headings ("# " prefixes and "="/"-" underlines),
-// italic, bold, code and links, with backslash escapes inside marker runs. Line oriented, no
-// nesting. Invalid UTF-8 is read with each bad byte as U+FFFD.
+// Turns one note's text into styled runs: headings ("# " prefixes, and underlines: a next line of
+// "=" or "-" alone), list items ("- ", "* " or "1. " at the start of a line), italic, bold, code
+// and links, with backslash escapes inside marker runs. Line oriented, no nesting. Invalid UTF-8
+// is read with each bad byte as U+FFFD. Every run's time is linear in the text's length.
 //
 // The text is read as code points. A byte that does not belong to a well-formed UTF-8 sequence
 // (a stray continuation byte, a truncated or overlong sequence, an encoded surrogate, a value past
@@ -33,11 +34,11 @@ public:
 
 private:
     // Styles one source line; returns whether the next line is an underline to be consumed.
-    bool styleLine(std::string_view line, std::optional<char> nextLineStart,
+    bool styleLine(std::string_view line, std::optional<std::string_view> nextLine,
                    std::vector<StyledRun>& runs);
     std::string_view headingText(std::string_view text, std::size_t level);
     void scanInline(std::string_view text, std::vector<StyledRun>& runs);
-    void appendSpan(LineScanner& scanner, bool atStartOfLine, std::vector<StyledRun>& runs);
+    void appendSpan(LineScanner& scanner, std::vector<StyledRun>& runs);
     void appendPiece(std::vector<StyledRun>& runs, std::string_view text, LineStyle style,
                      std::optional<std::string_view> linkTarget = std::nullopt) const;
 

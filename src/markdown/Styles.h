@@ -33,6 +33,8 @@ enum class MyFontTextStyle { body, title1, title2, headline, subheadline, footno
 struct FontSpec {
     std::string family;
     double pointSize = 0;
+    bool bold = false;
+    bool italic = false;
     friend bool operator==(const FontSpec&, const FontSpec&) = default;
 };
 

@@ -8,20 +8,20 @@ TagPair TagPair::fromMarkerRun(std::string_view run) {
         tag.foundCharacters = run;
         return tag;
     }
-    std::string matched(run);
-    for (;;) {
-        const std::size_t slash = matched.find('\\');
-        if (slash == std::string::npos || slash + 1 >= matched.size()) {
-            break;
+    // One pass, left to right: each backslash takes the character after it out of the run, so a
+    // run of any length splits in linear time.
+    for (std::size_t at = 0; at < run.size(); ++at) {
+        if (run[at] != '\\' || at + 1 == run.size()) {
+            tag.foundCharacters += run[at];
+            continue;
         }
         // The pair goes to the escaped text with its backslashes removed, so an escaped
         // backslash shows nothing.
-        if (matched[slash + 1] != '\\') {
-            tag.escapedCharacters += matched[slash + 1];
+        ++at;
+        if (run[at] != '\\') {
+            tag.escapedCharacters += run[at];
         }
-        matched.erase(slash, 2);
     }
-    tag.foundCharacters = std::move(matched);
     return tag;
 }
 

@@ -48,9 +48,10 @@ TEST(StyleCommandOutput, EmptyInputIsOneSpaceAndANewline) {
 }
 
 TEST(StyleCommandOutput, NamesEveryLineTypeAndStyle) {
-    const std::string out = runStyle("## a\n### b\n#### c\n##### d\n###### e\n**f** `g` _h_").out;
-    for (const char* name :
-         {"\"h2\"", "\"h3\"", "\"h4\"", "\"h5\"", "\"h6\"", "\"bold\"", "\"code\"", "\"italic\""}) {
+    const std::string out =
+        runStyle("## a\n### b\n#### c\n##### d\n###### e\n**f** `g` _h_\n- i").out;
+    for (const char* name : {"\"h2\"", "\"h3\"", "\"h4\"", "\"h5\"", "\"h6\"", "\"bold\"",
+                             "\"code\"", "\"italic\"", "\"list\""}) {
         EXPECT_NE(out.find(name), std::string::npos) << name;
     }
 }
@@ -91,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(
     Strings, StyleCommandEscaping,
     ::testing::Values(EscapingCase{"Quotes", "say \"hi\"", {"say \"hi\""}},
                       EscapingCase{"BackslashInLink", "[C:\\dir](x\\y)", {"C:\\dir", "x\\y"}},
-                      EscapingCase{"TabOfCodeSpan", "`ls`", {"\tls"}},
+                      EscapingCase{"TabInCodeSpan", "`a\tb`", {"a\tb"}},
                       EscapingCase{"ControlCharacters",
                                    "a\x01\x1f\x7f"
                                    "b\bc",

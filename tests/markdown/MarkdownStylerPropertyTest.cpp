@@ -11,7 +11,13 @@ namespace {
 
 // Lines of `text` (split at "\n" only, which is the only newline the generator makes) that an
 // underline rule does not consume: a line is consumed when the line before it was kept and this
-// line starts with "=" or "-".
+// line holds "=" or "-" alone, spaces aside.
+bool isUnderline(std::string_view line) {
+    const std::size_t first = line.find_first_not_of(' ');
+    return first != std::string_view::npos && (line[first] == '=' || line[first] == '-') &&
+           line.find_first_not_of(std::string{' ', line[first]}) == std::string_view::npos;
+}
+
 std::size_t keptLines(std::string_view text) {
     std::vector<std::string_view> lines;
     std::size_t start = 0;
@@ -24,8 +30,7 @@ std::size_t keptLines(std::string_view text) {
     std::size_t kept = 0;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         ++kept;
-        if (i + 1 < lines.size() && !lines[i + 1].empty() &&
-            (lines[i + 1].front() == '=' || lines[i + 1].front() == '-')) {
+        if (i + 1 < lines.size() && isUnderline(lines[i + 1])) {
             ++i;
         }
     }

@@ -19,6 +19,7 @@ constexpr LineStyle italic = LineStyle::italic;
 constexpr LineStyle bold = LineStyle::bold;
 constexpr LineStyle code = LineStyle::code;
 constexpr LineStyle link = LineStyle::link;
+constexpr LineStyle marker = LineStyle::listMarker;
 
 struct StylingCase {
     const char* name;
@@ -57,7 +58,9 @@ INSTANTIATE_TEST_SUITE_P(
         StylingCase{"SevenHashes", "####### x", {text("####### x"), newline()}},
         StylingCase{"EmptyHeading", "# ", {newline()}},
         StylingCase{"EqualsUnderline", "Title\n===", {text("Title", h1), newline()}},
-        StylingCase{"ListItemConsumedAsUnderline", "Para\n- item", {text("Para", h2), newline()}},
+        StylingCase{"ListItemUnderAParagraph",
+                    "Para\n- item",
+                    {text("Para"), newline(), text("\u2022 ", marker), text("item"), newline()}},
         StylingCase{"CrLfYieldsEmptyLine",
                     "a\r\nb",
                     {text("a"), newline(), text(" "), newline(), text("b"), newline()}},
@@ -74,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "*a **b** c*",
                     {text("a ", italic), text("b"), text("**"), text(" c"), text("*"), newline()}},
         StylingCase{"MixedMarkerRun", "**_x_**", {text("x"), newline()}},
-        StylingCase{"CodeAtLineStartGetsTab", "`ls`", {text("\tls", code), newline()}},
+        StylingCase{"CodeAtLineStartHasNoGap", "`ls`", {text("ls", code), newline()}},
         StylingCase{"CodeAfterTextNoTab", "say `x`", {text("say "), text("x", code), newline()}},
         StylingCase{"Link", "[text](note-target)", {text("text", link, "note-target"), newline()}},
         StylingCase{"BracketWithoutTargetVanishes", "see [note]", {text("see "), newline()}},
@@ -98,7 +101,8 @@ INSTANTIATE_TEST_SUITE_P(
                     {text("a ## b", LineType::h3), newline()}},
         StylingCase{"UnderlineOverridesPrefix", "# Title\n---", {text("Title", h2), newline()}},
         StylingCase{"UnderlineOfEmptyLine", "\n===", {text(" ", h1), newline()}},
-        StylingCase{"NumberUnderline", "Total\n-5", {text("Total", h2), newline()}},
+        StylingCase{
+            "NumberIsNoUnderline", "Total\n-5", {text("Total"), newline(), text("-5"), newline()}},
         StylingCase{"OnlyTheNextLineIsConsumed",
                     "a\n=\n=",
                     {text("a", h1), newline(), text("="), newline()}},
@@ -110,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
                     {text("Title"), newline(), text(" "), newline()}},
         StylingCase{
             "HeadingTextIsScanned", "## a *b*", {text("a ", h2), text("b", h2, italic), newline()}},
-        StylingCase{"CodeAtHeadingStartGetsTab", "# `x`", {text("\tx", h1, code), newline()}},
+        StylingCase{"CodeAtHeadingStart", "# `x`", {text("x", h1, code), newline()}},
         StylingCase{"TrimsUnicodeSpaces", "# \u3000Title\u00A0", {text("Title", h1), newline()}},
         StylingCase{
             "TypeResetsAfterLine", "# a\nb", {text("a", h1), newline(), text("b"), newline()}}),
@@ -137,7 +141,48 @@ INSTANTIATE_TEST_SUITE_P(
         StylingCase{"ClosingRunNeedNotMatch", "_a`b", {text("a", italic), text("b"), newline()}},
         StylingCase{"CodeSpanCannotHoldMarkers",
                     "`a*b`",
-                    {text("\ta", code), text("b"), text("`"), newline()}}),
+                    {text("a", code), text("b"), text("`"), newline()}}),
+    caseName);
+
+// Where this dialect departs from the classic one: underlines, lists, code at a line's start and
+// empty links.
+INSTANTIATE_TEST_SUITE_P(
+    ListsAndUnderlines, Styling,
+    ::testing::Values(
+        StylingCase{"DashItemsUnderAHeading",
+                    "Shopping\n- eggs\n- milk",
+                    {text("Shopping"), newline(), text("\u2022 ", marker), text("eggs"), newline(),
+                     text("\u2022 ", marker), text("milk"), newline()}},
+        StylingCase{"AsteriskItem",
+                    "* *soft* cheese",
+                    {text("\u2022 ", marker), text("soft", italic), text(" cheese"), newline()}},
+        StylingCase{"NumberedItemKeepsItsNumber",
+                    "12. step",
+                    {text("12. ", marker), text("step"), newline()}},
+        StylingCase{"NoSpaceNoItem", "-x", {text("-x"), newline()}},
+        StylingCase{"NumberWithoutDotIsText", "3 eggs", {text("3 eggs"), newline()}},
+        StylingCase{"ItemInAHeadingIsText", "# - x", {text("- x", h1), newline()}},
+        StylingCase{"UnderlineWithSpaces", "Title\n = = ", {text("Title", h1), newline()}},
+        StylingCase{"DashesWithSpacesUnderline", "Title\n- - -", {text("Title", h2), newline()}},
+        StylingCase{"MixedUnderlineIsText",
+                    "Title\n=-=",
+                    {text("Title"), newline(), text("=-="), newline()}},
+        StylingCase{"SpacesAloneAreNoUnderline",
+                    "Title\n  ",
+                    {text("Title"), newline(), text("  "), newline()}},
+        StylingCase{"UnderlinedItemIsAHeading",
+                    "- a\n===",
+                    {text("\u2022 ", h1, marker), text("a", h1), newline()}},
+        StylingCase{"CodeAfterListMarker",
+                    "- `make`",
+                    {text("\u2022 ", marker), text("make", code), newline()}},
+        StylingCase{"EmptyLinkKeepsTheRest",
+                    "[text]() and more",
+                    {text("text"), text(" and more"), newline()}},
+        StylingCase{"EmptyLinkThenSpan",
+                    "see [a]() *b*",
+                    {text("see "), text("a"), text(" "), text("b", italic), newline()}},
+        StylingCase{"EmptyLinkBeforeParenthesis", "[a]())", {text("a"), text(")"), newline()}}),
     caseName);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -234,6 +279,19 @@ TEST(StylingLongLines, LongHeadingLosesAllItsHashes) {
     ASSERT_EQ(runs.size(), 2u);
     EXPECT_EQ(runs[0].text.size(), 100'000u);
     EXPECT_EQ(runs[0].lineType, h2);
+}
+
+// A run of escaped markers as long as the line: splitting it must take linear time, or a few
+// megabytes of "*\\" take tens of seconds.
+TEST(StylingLongLines, LongRunOfEscapedMarkersIsSplitInOnePass) {
+    std::string line;
+    for (int i = 0; i < 1'000'000; ++i) {
+        line += "*\\";
+    }
+    // The first "*" and the last backslash are markers; every other pair is an escaped "*".
+    const Runs runs = style(line);
+    ASSERT_EQ(runs.size(), 2u);
+    EXPECT_EQ(runs[0].text, std::string(999'999, '*'));
 }
 
 TEST(StylingRepeatedly, SecondCallGivesTheSameRuns) {

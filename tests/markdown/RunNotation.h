@@ -36,7 +36,7 @@ inline void PrintTo(const StyledRun& run, std::ostream* out) {
         return;
     }
     static const char* const lines[] = {"h1", "h2", "h3", "h4", "h5", "h6", "body"};
-    static const char* const styles[] = {"none", "italic", "bold", "code", "link"};
+    static const char* const styles[] = {"none", "italic", "bold", "code", "link", "listMarker"};
     *out << "«" << run.text << "»/" << lines[static_cast<int>(run.lineType)] << "/"
          << styles[static_cast<int>(run.style)];
     if (run.link) {

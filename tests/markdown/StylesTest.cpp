@@ -146,14 +146,32 @@ TEST_F(RunPresentationTest, CodeInHeadingKeepsLineFontTakesCodeColour) {
     EXPECT_EQ(shown.foreground, grey(10));
 }
 
-TEST_F(RunPresentationTest, BoldLooksLikePlainText) {
-    const RunPresentation plain = presentFirstRun("plain **bold**");
+struct EmphasisCase {
+    const char* input;
+    bool bold;
+    bool italic;
+};
+
+class EmphasisPresentation : public RunPresentationTest,
+                             public ::testing::WithParamInterface<EmphasisCase> {};
+
+// Bold and italic keep their line's family, size and colour, and add weight or slant.
+TEST_P(EmphasisPresentation, AddsWeightOrSlantToTheLineFont) {
+    const RunPresentation plain = presentFirstRun("plain");
     m_runIndex = 1;
-    const RunPresentation strong = presentFirstRun("plain **bold**");
-    EXPECT_EQ(strong.font, plain.font);
-    EXPECT_EQ(strong.foreground, plain.foreground);
-    EXPECT_EQ(strong.link, plain.link);
+    const RunPresentation shown = presentFirstRun(GetParam().input);
+    EXPECT_EQ(shown.font.family, plain.font.family);
+    EXPECT_EQ(shown.font.pointSize, plain.font.pointSize);
+    EXPECT_EQ(shown.font.bold, GetParam().bold);
+    EXPECT_EQ(shown.font.italic, GetParam().italic);
+    EXPECT_EQ(shown.foreground, plain.foreground);
 }
+
+INSTANTIATE_TEST_SUITE_P(Table, EmphasisPresentation,
+                         ::testing::Values(EmphasisCase{"plain **bold**", true, false},
+                                           EmphasisCase{"plain __bold__", true, false},
+                                           EmphasisCase{"plain *it*", false, true},
+                                           EmphasisCase{"plain _it_", false, true}));
 
 TEST_F(RunPresentationTest, LinkInBodyCarriesTargetAndLinkColour) {
     const RunPresentation shown = presentFirstRun("[note](target text)");
