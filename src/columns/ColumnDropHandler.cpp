@@ -21,13 +21,13 @@ namespace quillery {
 namespace {
 
 const QString kNodeType = QString::fromLatin1(kNodeDragAndDropDataType);
+const QString kNotebookType = QString::fromLatin1(kNotebookDragAndDropDataType);
 
-// The identifier a dragged note carries; none when the data is missing or is not UTF-8 text, in
-// which case the drop is judged as a picture or an address instead.
-std::optional<Identifier> draggedIdentifier(const QMimeData& data) {
-    if (!data.hasFormat(kNodeType))
+// The identifier under the MIME type; none when the data is missing or is not UTF-8 text.
+std::optional<Identifier> identifierIn(const QMimeData& data, const QString& type) {
+    if (!data.hasFormat(type))
         return std::nullopt;
-    const QByteArray bytes = data.data(kNodeType);
+    const QByteArray bytes = data.data(type);
     if (bytes.isEmpty())
         return std::nullopt;
     QStringDecoder decoder(QStringDecoder::Utf8);
@@ -35,6 +35,21 @@ std::optional<Identifier> draggedIdentifier(const QMimeData& data) {
     if (decoder.hasError() || text.isEmpty())
         return std::nullopt;
     return Identifier(bytes.toStdString());
+}
+
+// A dragged note: its identifier, and whether it comes from the document the drop lands in. Data
+// without a readable note identifier is judged as a picture or an address instead.
+struct DraggedNote {
+    Identifier identifier;
+    bool fromThisNotebook = false;
+};
+
+std::optional<DraggedNote> draggedNote(const QMimeData& data, const Document& document) {
+    std::optional<Identifier> identifier = identifierIn(data, kNodeType);
+    if (!identifier)
+        return std::nullopt;
+    return DraggedNote{std::move(*identifier),
+                       identifierIn(data, kNotebookType) == document.sessionIdentifier()};
 }
 
 std::optional<QUrl> droppedUrl(const QMimeData& data) {
@@ -177,9 +192,11 @@ ColumnDropHandler::ColumnDropHandler(Document& document)
     : m_document(document) {
 }
 
-QMimeData* ColumnDropHandler::mimeDataForNode(const NotebookNode& node) {
+QMimeData* ColumnDropHandler::mimeDataForNode(const NotebookNode& node) const {
     auto* data = new QMimeData;
     data->setData(kNodeType, QByteArray::fromStdString(node.identifier().toString()));
+    data->setData(kNotebookType,
+                  QByteArray::fromStdString(m_document.sessionIdentifier().toString()));
     return data;
 }
 
@@ -188,8 +205,9 @@ Qt::DropAction ColumnDropHandler::validateDrop(const NodePtr& representedNode,
                                                DropPosition position) const {
     if (!representedNode || data.formats().isEmpty())
         return Qt::IgnoreAction;
-    if (auto identifier = draggedIdentifier(data))
-        return planNoteDrop(m_document, *representedNode, *identifier, row, position)
+    if (auto note = draggedNote(data, m_document))
+        return note->fromThisNotebook &&
+                       planNoteDrop(m_document, *representedNode, note->identifier, row, position)
                    ? Qt::MoveAction
                    : Qt::IgnoreAction;
     if (HasPictureType(data))
@@ -206,8 +224,10 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
         return {};
     NotebookNode& column = *representedNode;
 
-    if (auto identifier = draggedIdentifier(data)) {
-        const auto move = planNoteDrop(m_document, column, *identifier, row, position);
+    if (auto note = draggedNote(data, m_document)) {
+        if (!note->fromThisNotebook)
+            return {};
+        const auto move = planNoteDrop(m_document, column, note->identifier, row, position);
         if (!move)
             return {};
         if (move->newParent)

@@ -18,6 +18,9 @@ class Document;
 
 // The MIME type under which a dragged note's identifier travels between columns.
 inline constexpr char kNodeDragAndDropDataType[] = "application/x-quillery-NodeDragAndDropDataType";
+// The MIME type under which the dragged note's notebook (its document's session identifier)
+// travels with it.
+inline constexpr char kNotebookDragAndDropDataType[] = "application/x-quillery-notebook";
 
 // Where a drop lands in a column: on a row (into that note) or above a row (between rows; the
 // row may equal the row count, meaning after the last row).
@@ -30,11 +33,12 @@ class ColumnDropHandler {
 public:
     explicit ColumnDropHandler(Document& document);
 
-    // The drag payload for a note of a column (only that one note travels).
-    static QMimeData* mimeDataForNode(const NotebookNode& node);
+    // The drag payload for a note of this document's columns: the note's identifier and the
+    // notebook it belongs to (only that one note travels).
+    QMimeData* mimeDataForNode(const NotebookNode& node) const;
 
     // Qt::MoveAction for a note that may go there, Qt::CopyAction for pictures and addresses,
-    // Qt::IgnoreAction when the drop is refused.
+    // Qt::IgnoreAction when the drop is refused (always for a note from another notebook).
     Qt::DropAction validateDrop(const NodePtr& representedNode, const QMimeData& data, int row,
                                 DropPosition position) const;
 

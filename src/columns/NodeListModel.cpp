@@ -131,15 +131,18 @@ Qt::ItemFlags NodeListModel::flags(const QModelIndex& index) const {
 }
 
 QStringList NodeListModel::mimeTypes() const {
-    return {QString::fromLatin1(kNodeDragAndDropDataType), QStringLiteral("image/png"),
-            QStringLiteral("image/tiff"), QStringLiteral("text/uri-list"),
+    return {QString::fromLatin1(kNodeDragAndDropDataType),
+            QString::fromLatin1(kNotebookDragAndDropDataType),
+            QStringLiteral("image/png"),
+            QStringLiteral("image/tiff"),
+            QStringLiteral("text/uri-list"),
             QStringLiteral("application/x-qt-image")};
 }
 
 QMimeData* NodeListModel::mimeData(const QModelIndexList& indexes) const {
     // Only the first dragged row travels, whatever else is selected.
     const NodePtr node = indexes.isEmpty() ? nullptr : nodeAt(indexes.first().row());
-    return node ? ColumnDropHandler::mimeDataForNode(*node) : nullptr;
+    return node && m_dropHandler ? m_dropHandler->mimeDataForNode(*node) : nullptr;
 }
 
 NodeListModel::DropPlace NodeListModel::dropPlace(int row, const QModelIndex& parent) const {

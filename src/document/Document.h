@@ -48,6 +48,9 @@ public:
     Document& operator=(const Document&) = delete;
 
     const Identifier& clientIdentifier() const { return m_clientIdentifier; }
+    // Names this open notebook in drag data: new for every document, so that two notebooks
+    // sharing note identifiers (a Save As copy and its original) never pass for each other.
+    const Identifier& sessionIdentifier() const { return m_sessionIdentifier; }
     TimePoint lastModified() const { return m_lastModified; }
     TimePoint now() const;
 
@@ -229,6 +232,7 @@ private:
                   ChangeOutcome& outcome);
 
     Identifier m_clientIdentifier;
+    Identifier m_sessionIdentifier = Identifier::makeRandom();
     Clock m_clock;
     TimePoint m_lastModified;
     std::vector<DocumentDiff> m_diffs;

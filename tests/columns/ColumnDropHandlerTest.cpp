@@ -30,10 +30,6 @@ QImage picture(QColor colour = Qt::red, QSize size = {8, 6}) {
     return image;
 }
 
-std::unique_ptr<QMimeData> noteDrag(const NotebookNode& node) {
-    return std::unique_ptr<QMimeData>(ColumnDropHandler::mimeDataForNode(node));
-}
-
 std::unique_ptr<QMimeData> urlDrop(const QUrl& url) {
     auto data = std::make_unique<QMimeData>();
     data->setUrls({url});
@@ -76,6 +72,10 @@ protected:
     }
 
     const NodePtr& root() const { return document.rootNode(); }
+
+    std::unique_ptr<QMimeData> noteDrag(const NotebookNode& node) const {
+        return std::unique_ptr<QMimeData>(handler.mimeDataForNode(node));
+    }
 
     Qt::DropAction validate(const NodePtr& column, const QMimeData& data, int row,
                             DropPosition position) const {
@@ -204,11 +204,29 @@ TEST_F(DropFixture, TheRootsNeverMove) {
     expectRefused(a, *noteDrag(*root()), 0, DropPosition::Above);
 }
 
-TEST_F(DropFixture, OnlyTheDraggedNoteTravels) {
+TEST_F(DropFixture, OnlyTheDraggedNoteTravelsWithItsNotebook) {
     const auto data = noteDrag(*c);
-    EXPECT_EQ(data->formats(), QStringList{QString::fromLatin1(kNodeDragAndDropDataType)});
+    EXPECT_EQ(data->formats(), (QStringList{QString::fromLatin1(kNodeDragAndDropDataType),
+                                            QString::fromLatin1(kNotebookDragAndDropDataType)}));
     EXPECT_EQ(data->data(QString::fromLatin1(kNodeDragAndDropDataType)).toStdString(),
               c->identifier().toString());
+}
+
+// A Save As copy shares every identifier with its original; its notes must not move the
+// original's notes of the same identifier, nor may a note whose notebook is not named.
+TEST_F(DropFixture, NoteFromAnotherNotebookIsRefusedEvenWhenItsIdentifierIsHere) {
+    InMemoryPreferences otherPreferences;
+    Document copy(otherPreferences);
+    const ColumnDropHandler copyHandler(copy);
+    const std::unique_ptr<QMimeData> fromCopy(copyHandler.mimeDataForNode(*c));
+    auto unnamed = std::make_unique<QMimeData>();
+    unnamed->setData(QString::fromLatin1(kNodeDragAndDropDataType),
+                     QByteArray::fromStdString(c->identifier().toString()));
+    for (const QMimeData* data : {fromCopy.get(), unnamed.get()}) {
+        expectRefused(a, *data, 0, DropPosition::Above);
+        expectRefused(root(), *data, 0, DropPosition::On);
+    }
+    EXPECT_EQ(texts(a), (std::vector<std::string>{"A1", "A2"}));
 }
 
 TEST_F(DropFixture, NotePayloadThatIsNotTextIsJudgedAsAnAddress) {

@@ -101,7 +101,7 @@ TEST_F(ListViewControllerPasteTest, NotesTextAndDisabledColumnsTakeNothing) {
          }},
         {"a copied note",
          [&] {
-             return ColumnDropHandler::mimeDataForNode(*flights);
+             return ColumnDropHandler(document).mimeDataForNode(*flights);
          }},
         {"nothing",
          [] {
