@@ -1,8 +1,11 @@
 #!/usr/bin/env python3
 """Two installations share one notebook through real sync tools on 127.0.0.1 and add notes at the
 same time, in the same second and with clocks an hour apart; both must end with the same tree
-holding every note. Usage: sync.py QUILLERY_CLI"""
+holding every note. With the app given (and Xvfb installed), one side also has the notebook open
+in the app, which must show a note the other side adds within two seconds of its arrival.
+Usage: sync.py QUILLERY_CLI [QUILLERY]"""
 
+import glob
 import json
 import os
 import shutil
@@ -13,8 +16,14 @@ import tempfile
 import time
 import xml.etree.ElementTree as ET
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "e2e"))
+import screen  # noqa: E402  (the end-to-end run's look at the window)
+
 CLI = os.path.abspath(sys.argv[1])
+APP = os.path.abspath(sys.argv[2]) if len(sys.argv) > 2 and os.path.exists(sys.argv[2]) else None
 WAIT_SECONDS = 60
+# From a journal's arrival in the package to its note on screen.
+LIVE_SECONDS = 2.0
 
 
 def free_port():
@@ -127,6 +136,87 @@ def share(a, b, sync=None):
     return expected
 
 
+class WatchingApp:
+    """One installation's app, on an X display of its own, with the notebook open."""
+
+    def __init__(self, side, root):
+        self.xvfb = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1024x700x24",
+                                      "-nolisten", "tcp"], stdout=subprocess.PIPE,
+                                     stderr=subprocess.DEVNULL, text=True)
+        self.env = dict(side.env, DISPLAY=":" + self.xvfb.stdout.readline().strip(),
+                        QT_QPA_PLATFORM="xcb", LC_ALL="C.UTF-8")
+        for key in ("WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "SESSION_MANAGER"):
+            self.env.pop(key, None)
+        for key, sub in (("XDG_DATA_HOME", "data"), ("XDG_STATE_HOME", "state")):
+            self.env[key] = os.path.join(side.home, sub)
+        self.log = open(os.path.join(root, f"app-{side.name}.log"), "w")
+        self.app = subprocess.Popen([APP, side.notebook], env=self.env, stdout=self.log,
+                                    stderr=subprocess.STDOUT)
+        self.window = None
+        wait_for(self.found_window, "the app's window")
+        self.xdotool(["windowfocus", "--sync", self.window])
+
+    def xdotool(self, arguments):
+        return subprocess.run(["xdotool"] + arguments, env=self.env, capture_output=True,
+                              text=True, timeout=20).stdout.strip()
+
+    def found_window(self):
+        if self.app.poll() is not None:
+            raise SystemExit(f"the app exited with status {self.app.returncode}")
+        found = self.xdotool(["search", "--onlyvisible", "--name", "^Notes"]).split()
+        self.window = found[0] if found else None
+        return self.window is not None
+
+    def selected_row(self):
+        """The top of the focused column's selected row, or None."""
+        os.environ["DISPLAY"] = self.env["DISPLAY"]
+        box = screen.highlight_box(screen.capture(self.window))
+        return box and box[1]
+
+    def quit(self):
+        self.xdotool(["key", "ctrl+q"])
+        status = self.app.wait(timeout=WAIT_SECONDS)
+        self.xvfb.terminate()
+        self.xvfb.wait()
+        if status != 0:
+            raise SystemExit(f"the app exited with status {status} after Ctrl+Q")
+
+
+def shows_live(a, b, root, expected):
+    """B has the notebook open in the app; a note A adds above the selected one must push the
+    selection down a row on B's screen within LIVE_SECONDS of the journal reaching B."""
+    app = WatchingApp(b, root)
+    try:
+        wait_for(lambda: app.selected_row() is not None, "the first note selected in the app")
+        top = app.selected_row()
+        text = "live from A"
+        a.run(["add", a.notebook, "--text", text, "--at", "0"])
+        expected.append(text)
+        journals = os.path.join(b.notebook, "*.journal")
+
+        def arrived():
+            for journal in glob.glob(journals):
+                with open(journal, "rb") as file:
+                    if text.encode() in file.read():
+                        return True
+            return False
+
+        deadline = time.time() + WAIT_SECONDS
+        while not arrived():
+            if time.time() > deadline:
+                raise SystemExit("A's note never reached B's package")
+            time.sleep(0.05)
+        arrival = time.monotonic()
+        while (app.selected_row() or top) <= top:
+            if time.monotonic() - arrival > LIVE_SECONDS:
+                raise SystemExit(f"the app on B did not show A's note within {LIVE_SECONDS} s")
+            time.sleep(0.05)
+        shown = time.monotonic() - arrival
+    finally:
+        app.quit()
+    return shown
+
+
 def syncthing_config(home, listen_port, gui_port, other_id, other_port, folder):
     path = os.path.join(home, "config.xml")
     tree = ET.parse(path)
@@ -181,7 +271,13 @@ def with_syncthing(root):
         b = Installation(root, "B", os.path.join(folders["b"], "Notes.quillery"))
         a.run(["new", a.notebook])
         wait_for(lambda: b.export() is not None, "the new notebook on the other side")
-        return share(a, b)
+        notes = share(a, b)
+        if APP and shutil.which("Xvfb") and shutil.which("xdotool"):
+            shown = shows_live(a, b, root, notes)
+            print(f"Syncthing: the app showed the other side's note {shown:.2f} s after it "
+                  f"arrived")
+            converge(a, b, notes)
+        return notes
     finally:
         for daemon in daemons:
             daemon.terminate()
