@@ -1,0 +1,213 @@
+# Shell shared by the end-to-end runs (tests/e2e/run under X, tests/e2e/wayland under Wayland):
+# sourced, never run. The sourcing script sets `here` (its directory) first; the build directory
+# is its first argument, and E2E_OUT, E2E_TIMEOUT and E2E_NO_BUILD are read as tests/e2e/run
+# describes. Everything the runs make lives in a temporary directory removed at exit.
+
+source_dir=$(cd "$here/../.." && pwd)
+build=${1:-$source_dir/build-e2e}
+mkdir -p "$build"
+build=$(cd "$build" && pwd)
+out=${E2E_OUT:-$build/e2e-shots}
+timeout=${E2E_TIMEOUT:-30}
+
+work=$(mktemp -d "${TMPDIR:-/tmp}/quillery-e2e.XXXXXX")
+app_pid=
+# Display servers and helpers the run started, stopped after the app, last one first.
+server_pids=()
+
+log() {
+    echo "-- $*"
+}
+
+# Also from inside $(...), which is why it writes to standard error; callers there add "|| exit 1".
+fail() {
+    {
+        echo "FAIL: $*"
+        if [ -s "$work/app.log" ]; then
+            echo "   last lines the app printed:"
+            tail -n 20 "$work/app.log" | sed 's/^/   | /'
+        fi
+    } >&2
+    exit 1
+}
+
+stop_process() { # PID
+    kill "$1" 2>/dev/null || return 0
+    for _ in $(seq 50); do
+        kill -0 "$1" 2>/dev/null || break
+        sleep 0.1
+    done
+    kill -KILL "$1" 2>/dev/null || true
+    wait "$1" 2>/dev/null || true
+}
+
+cleanup() {
+    local status=$?
+    [ -z "$app_pid" ] || stop_process "$app_pid"
+    local index
+    for ((index = ${#server_pids[@]} - 1; index >= 0; index--)); do
+        stop_process "${server_pids[index]}"
+    done
+    if [ "$status" -ne 0 ] && [ -d "$out" ]; then
+        cp "$work"/*.log "$out/" 2>/dev/null || true
+    fi
+    rm -rf "$work"
+}
+trap cleanup EXIT
+trap 'exit 130' INT TERM
+
+# Waits until the command succeeds, polling, for at most E2E_TIMEOUT seconds.
+wait_until() {
+    local what=$1
+    shift
+    local deadline=$((SECONDS + timeout))
+    until "$@"; do
+        [ "$SECONDS" -lt "$deadline" ] || fail "timed out after ${timeout}s waiting for $what"
+        check_app_running "waiting for $what"
+        sleep 0.2
+    done
+}
+
+check_app_running() { # WHILE
+    [ -n "$app_pid" ] || return 0
+    kill -0 "$app_pid" 2>/dev/null && return 0
+    local status=0
+    wait "$app_pid" || status=$?
+    app_pid=
+    fail "the app exited with status $status while $1"
+}
+
+# Waits for the app to end after being told to quit, and fails unless it exits with status 0.
+wait_for_quit() { # HOW
+    local deadline=$((SECONDS + timeout))
+    while kill -0 "$app_pid" 2>/dev/null; do
+        [ "$SECONDS" -lt "$deadline" ] || fail "the app did not quit within ${timeout}s of $1"
+        sleep 0.1
+    done
+    local status=0
+    wait "$app_pid" || status=$?
+    app_pid=
+    [ "$status" -eq 0 ] || fail "the app exited with status $status after $1"
+}
+
+# --- Build and install -----------------------------------------------------------------------
+
+# Sets app and cli to the programs installed from the build into a temporary prefix.
+install_programs() {
+    if [ "${E2E_NO_BUILD:-0}" = 1 ]; then
+        log "installing $build as it is"
+    elif [ ! -f "$build/CMakeCache.txt" ]; then
+        log "configuring $build"
+        cmake -S "$source_dir" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+            -DQUILLERY_BUILD_TESTS=OFF -DQUILLERY_BUILD_BENCHMARKS=OFF >"$work/build.log" 2>&1 ||
+            { cat "$work/build.log"; fail "could not configure $build"; }
+    fi
+    if [ "${E2E_NO_BUILD:-0}" != 1 ]; then
+        log "building quillery and quillery-cli in $build"
+        cmake --build "$build" --target quillery quillery-cli >"$work/build.log" 2>&1 ||
+            { tail -n 40 "$work/build.log"; fail "could not build the programs in $build"; }
+    fi
+    local prefix=$work/prefix
+    cmake --install "$build" --prefix "$prefix" >"$work/install.log" 2>&1 ||
+        { cat "$work/install.log"; fail "cmake --install failed"; }
+    app=$prefix/bin/quillery
+    cli=$prefix/bin/quillery-cli
+    { [ -x "$app" ] && [ -x "$cli" ]; } || fail "the install did not put quillery and quillery-cli in bin/"
+
+    mkdir -p "$out"
+    # Only what an earlier run left; the directory may be one the caller keeps other things in.
+    rm -f "$out"/[0-9][0-9]-*.png "$out"/*.log "$out/final.json"
+}
+
+# --- A private environment -------------------------------------------------------------------
+
+private_environment() {
+    export HOME=$work/home
+    export XDG_CONFIG_HOME=$work/config
+    export XDG_DATA_HOME=$work/data
+    export XDG_CACHE_HOME=$work/cache
+    export XDG_STATE_HOME=$work/state
+    export XDG_RUNTIME_DIR=$work/runtime
+    mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_STATE_HOME"
+    mkdir -m 700 "$XDG_RUNTIME_DIR"
+    export LC_ALL=C.UTF-8
+    unset DISPLAY WAYLAND_DISPLAY SESSION_MANAGER XDG_CURRENT_DESKTOP QT_STYLE_OVERRIDE \
+        QT_QPA_PLATFORMTHEME QT_SCALE_FACTOR QT_SCREEN_SCALE_FACTORS QT_AUTO_SCREEN_SCALE_FACTOR \
+        QT_FONT_DPI
+}
+
+# --- The notebook ----------------------------------------------------------------------------
+
+# The notebook both runs start from, made with the installed quillery-cli: sets package, the
+# identifiers groceries, projects and reading, and initial_tree.
+initial_tree='Groceries
+  Apples
+  Bread
+    Rye
+Projects
+  Garden
+  Kitchen
+Reading'
+
+add_note() { # TEXT [PARENT]: prints the new note's identifier
+    local arguments=(add "$package" --text "$1")
+    [ $# -lt 2 ] || arguments+=(--parent "$2")
+    "$cli" "${arguments[@]}" 2>>"$work/cli.log"
+}
+
+make_notebook() {
+    package=$work/notes/Household.quillery
+    mkdir -p "$(dirname "$package")"
+    "$cli" new "$package" >/dev/null 2>>"$work/cli.log" || fail "quillery-cli new failed"
+    groceries=$(add_note Groceries)
+    projects=$(add_note Projects)
+    reading=$(add_note Reading)
+    add_note Apples "$groceries" >/dev/null
+    local bread
+    bread=$(add_note Bread "$groceries")
+    add_note Rye "$bread" >/dev/null
+    add_note Garden "$projects" >/dev/null
+    add_note Kitchen "$projects" >/dev/null
+    [ "$(outline)" = "$initial_tree" ] || fail "quillery-cli made an unexpected notebook:
+$(outline)"
+    log "made $package with quillery-cli"
+}
+
+outline() { # the saved notebook as an indented outline
+    "$cli" export --format json "$package" 2>>"$work/cli.log" | python3 "$here/tree.py" outline
+}
+
+# Waits until the package on disk (the app saves a moment after each change) holds the tree.
+wait_for_tree() { # DESCRIPTION TREE
+    local deadline=$((SECONDS + timeout))
+    local now
+    while true; do
+        now=$(outline || true)
+        [ "$now" != "$2" ] || return 0
+        if [ "$SECONDS" -ge "$deadline" ]; then
+            fail "$1: the saved notebook is not as expected after ${timeout}s.
+--- expected
+$2
+--- saved
+$now"
+        fi
+        check_app_running "$1"
+        sleep 0.3
+    done
+}
+
+# Exports the saved package to final.json in the output directory and checks that it holds the
+# tree and no deleted notes.
+check_saved_tree() { # TREE
+    "$cli" export --format json "$package" >"$out/final.json" 2>>"$work/cli.log" ||
+        fail "quillery-cli export could not read the saved package"
+    local saved deleted
+    saved=$(python3 "$here/tree.py" outline <"$out/final.json")
+    [ "$saved" = "$1" ] || fail "the saved notebook is not as expected.
+--- expected
+$1
+--- saved
+$saved"
+    deleted=$(python3 "$here/tree.py" outline --deleted <"$out/final.json")
+    [ -z "$deleted" ] || fail "notes were deleted: $deleted"
+}
