@@ -1,3 +1,5 @@
+# shellcheck shell=bash
+# shellcheck disable=SC2154,SC2034 # here comes from, and the identifiers go to, the sourcing run
 # Shell shared by the end-to-end runs (tests/e2e/run under X, tests/e2e/wayland under Wayland):
 # sourced, never run. The sourcing script sets `here` (its directory) first; the build directory
 # is its first argument, and E2E_OUT, E2E_TIMEOUT and E2E_NO_BUILD are read as tests/e2e/run
