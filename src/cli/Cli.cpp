@@ -2,7 +2,9 @@
 
 #include "cli/FindCommand.h"
 #include "cli/NotebookCommands.h"
+#include "cli/OutlineCommands.h"
 #include "cli/StyleCommand.h"
+#include "outline/TerminalText.h"
 
 #include <ostream>
 #include <string_view>
@@ -18,8 +20,10 @@ constexpr std::string_view kUsage =
     "\n"
     "Commands:\n"
     "  new PACKAGE                           create an empty notebook package\n"
-    "  export [--format json|markdown] PACKAGE\n"
-    "                                        print the notes of a package\n"
+    "  export [--format json|markdown|opml|html|text] [--pretty] [--raw] [--output FILE]\n"
+    "         PACKAGE [--note IDENTIFIER]    write the notes of a package or of one note\n"
+    "  import PACKAGE FILE [--parent IDENTIFIER] [--format opml|markdown|text]\n"
+    "                                        add an outline's notes and save the package\n"
     "  add PACKAGE --text TEXT [--parent IDENTIFIER] [--at INDEX]\n"
     "                                        add a note and save the package\n"
     "  info PACKAGE                          journals, notes, pictures, time to open\n"
@@ -28,13 +32,14 @@ constexpr std::string_view kUsage =
     "  style                                 style a note's text (standard input) as JSON\n"
     "\n"
     "Run \"quillery-cli COMMAND --help\" for more about one command.\n"
-    "Exit status: 0 on success, 1 when a package cannot be opened or saved, 2 on bad usage.\n"
+    "Exit status: 0 on success, 1 when a package or file cannot be read or written, 2 on bad\n"
+    "usage.\n"
     "Results go to standard output; messages and diagnostics to standard error.\n";
 
 } // namespace
 
 int runCli(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
-           std::ostream& err) {
+           std::ostream& err, bool outputIsTerminal) {
     if (arguments.empty()) {
         err << kUsage;
         return kUsageError;
@@ -48,7 +53,9 @@ int runCli(const std::vector<std::string>& arguments, std::istream& in, std::ost
     if (command == "new")
         return runNewCommand(rest, out, err);
     if (command == "export")
-        return runExportCommand(rest, out, err);
+        return runExportCommand(rest, out, err, outputIsTerminal);
+    if (command == "import")
+        return runImportCommand(rest, out, err);
     if (command == "add")
         return runAddCommand(rest, out, err);
     if (command == "info")
@@ -57,7 +64,7 @@ int runCli(const std::vector<std::string>& arguments, std::istream& in, std::ost
         return runFindCommand(rest, out, err);
     if (command == "style")
         return runStyleCommand(rest, in, out, err);
-    err << "quillery-cli: unknown command “" << command << "”\n\n" << kUsage;
+    err << "quillery-cli: unknown command “" << terminal_text::shown(command) << "”\n\n" << kUsage;
     return kUsageError;
 }
 

@@ -3,7 +3,6 @@
 #include "cli/Cli.h"
 #include "cli/CommandArguments.h"
 #include "cli/NotebookSession.h"
-#include "cli/TreeExport.h"
 #include "storage/PackageLayout.h"
 
 #include <charconv>
@@ -11,6 +10,7 @@
 #include <iomanip>
 #include <ostream>
 #include <simdjson.h>
+#include <vector>
 
 namespace quillery::cli {
 
@@ -20,15 +20,6 @@ constexpr std::string_view kNewUsage = "Usage: quillery-cli new PACKAGE\n"
                                        "\n"
                                        "Creates an empty notebook package (a NAME.quillery "
                                        "folder) with this installation's journal.\n";
-
-constexpr std::string_view kExportUsage =
-    "Usage: quillery-cli export [--format json|markdown] PACKAGE\n"
-    "\n"
-    "Opens the package as the app does and prints its notes.\n"
-    "  json (default): {\"root\": NODE, \"deleted\": NODE}, where NODE is {\"identifier\",\n"
-    "                  \"text\", \"children\": [NODE...]} plus \"image\" and \"url\" when set.\n"
-    "  markdown:       the notes as a nested list, two spaces per level; pictures are links\n"
-    "                  to their files.\n";
 
 constexpr std::string_view kAddUsage =
     "Usage: quillery-cli add PACKAGE --text TEXT [--parent IDENTIFIER] [--at INDEX]\n"
@@ -64,22 +55,18 @@ std::optional<std::string> packageArgument(const CommandArguments& arguments,
     return arguments.positional().front();
 }
 
+// Every note below the node, counted without recursion so that any depth is safe.
 std::size_t countNotes(const NotebookNode& node) {
     std::size_t count = 0;
-    for (const NodePtr& child : node.children())
-        count += 1 + countNotes(*child);
-    return count;
-}
-
-bool standsInTree(const Document& document, const Identifier& identifier) {
-    NodePtr node = document.node(identifier);
-    const NotebookNode* current = node.get();
-    for (std::size_t steps = 0; current && steps <= document.nodeCount(); ++steps) {
-        if (current == document.rootNode().get() || current == document.deletedRootNode().get())
-            return true;
-        current = current->parentNode();
+    std::vector<const NotebookNode*> pending{&node};
+    while (!pending.empty()) {
+        const NotebookNode* next = pending.back();
+        pending.pop_back();
+        count += next->children().size();
+        for (const NodePtr& child : next->children())
+            pending.push_back(child.get());
     }
-    return false;
+    return count;
 }
 
 } // namespace
@@ -98,28 +85,6 @@ int runNewCommand(const std::vector<std::string>& arguments, std::ostream& out, 
     }
     NotebookSession session(err);
     return session.saveTo(*location) ? kSuccess : kPackageFailure;
-}
-
-int runExportCommand(const std::vector<std::string>& arguments, std::ostream& out,
-                     std::ostream& err) {
-    CommandArguments parsed(arguments, {"--format"});
-    int exitCode = kSuccess;
-    auto location = packageArgument(parsed, kExportUsage, out, err, exitCode);
-    if (!location)
-        return exitCode;
-    std::string format = parsed.value("--format").value_or("json");
-    if (format != "json" && format != "markdown") {
-        err << "quillery-cli: unknown format “" << format << "” (json or markdown)\n";
-        return kUsageError;
-    }
-    NotebookSession session(err);
-    if (!session.open(*location))
-        return kPackageFailure;
-    if (format == "json")
-        writeTreeJson(session.document(), out);
-    else
-        writeTreeMarkdown(session.document(), out);
-    return kSuccess;
 }
 
 int runAddCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
@@ -169,7 +134,7 @@ int runAddCommand(const std::vector<std::string>& arguments, std::ostream& out, 
     if (!session.saveInPlace())
         return kPackageFailure;
     // The save merged what other writers added meanwhile; the note must still stand in the tree.
-    if (!standsInTree(document, note->identifier())) {
+    if (!session.standsInTree(note->identifier())) {
         err << "quillery-cli: the note was saved but has no place in “" << *location << "”.\n";
         return kPackageFailure;
     }

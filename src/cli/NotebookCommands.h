@@ -9,8 +9,6 @@ namespace quillery::cli {
 // The package commands of quillery-cli; each takes the arguments after its name and returns the
 // exit code.
 int runNewCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
-int runExportCommand(const std::vector<std::string>& arguments, std::ostream& out,
-                     std::ostream& err);
 int runAddCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
 int runInfoCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
 

@@ -31,4 +31,15 @@ bool NotebookSession::saveTo(const std::filesystem::path& package) {
     return report(package::saveTo(m_document, package));
 }
 
+bool NotebookSession::standsInTree(const Identifier& identifier) const {
+    NodePtr node = m_document.node(identifier);
+    const NotebookNode* current = node.get();
+    for (std::size_t steps = 0; current && steps <= m_document.nodeCount(); ++steps) {
+        if (current == m_document.rootNode().get() || current == m_document.deletedRootNode().get())
+            return true;
+        current = current->parentNode();
+    }
+    return false;
+}
+
 } // namespace quillery::cli

@@ -24,6 +24,9 @@ public:
     bool open(const std::filesystem::path& package, package::PackageSummary* summary = nullptr);
     bool saveInPlace();
     bool saveTo(const std::filesystem::path& package);
+    // Whether the note stands in the tree under one of the roots (a save merges other writers'
+    // records, which may have taken its parent away).
+    bool standsInTree(const Identifier& identifier) const;
 
 private:
     bool report(const std::optional<StorageError>& error);

@@ -89,6 +89,10 @@ public:
     void userDidMove(NotebookNode& child, const NotebookNode& toParent,
                      std::optional<std::size_t> at = std::nullopt);
     void userDidMove(NotebookNode& child, std::size_t to);
+    // Runs edits made with the operations above that do not register steps (add, modify, move)
+    // and registers what they journaled as one undo step under the name: an import or a paste
+    // of many notes is undone and redone as a whole.
+    void userDidEditTogether(const char* actionName, const std::function<void()>& edits);
 
     // Deleting moves the note to the end of the deleted notes; the record also says where the note
     // stood, so that it can be put back there later, also by another installation.
@@ -113,8 +117,10 @@ public:
     // Why the next undo cannot take its edit back once records from elsewhere changed the tree
     // (the note it is about, or the note it would move it back to, is gone); nothing when it can.
     std::optional<std::string> undoProblem() const;
-    void undo();
-    void redo();
+    // Take back or apply again that many records (one undo step's worth) and register the step
+    // that goes the other way.
+    void undo(std::size_t records = 1);
+    void redo(std::size_t records = 1);
 
     const std::vector<DocumentDiff>& diffs() const { return m_diffs; }
     const std::vector<DocumentDiff>& undoDiffs() const { return m_undoDiffs; }

@@ -160,40 +160,53 @@ DocumentDiff Document::reverseDiff(const DocumentDiff& forward) const {
     return DocumentDiff(now(), forward.identifier, std::move(reverse));
 }
 
+void Document::userDidEditTogether(const char* actionName, const std::function<void()>& edits) {
+    const std::size_t before = m_undoDiffs.size();
+    edits();
+    const std::size_t records = m_undoDiffs.size() - before;
+    if (records == 0 || !m_undoManager)
+        return;
+    m_undoManager->setActionName(actionName);
+    m_undoManager->registerUndo([this, records] { undo(records); });
+}
+
 void Document::registerUndo() {
     if (m_undoManager)
         m_undoManager->registerUndo([this] { undo(); });
 }
 
-void Document::undo() {
-    if (m_undoDiffs.empty())
-        return;
-    DocumentDiff reverse = std::move(m_undoDiffs.back());
-    m_undoDiffs.pop_back();
-    {
-        JournalingPause pause(m_journalingEnabled);
-        applyDiff(reverse, true);
+void Document::undo(std::size_t records) {
+    std::size_t undone = 0;
+    for (; undone < records && !m_undoDiffs.empty(); ++undone) {
+        DocumentDiff reverse = std::move(m_undoDiffs.back());
+        m_undoDiffs.pop_back();
+        {
+            JournalingPause pause(m_journalingEnabled);
+            applyDiff(reverse, true);
+        }
+        if (!m_diffs.empty()) {
+            m_redoDiffs.push_back(std::move(m_diffs.back()));
+            m_diffs.pop_back();
+        }
+        --m_changeCount;
     }
-    if (!m_diffs.empty()) {
-        m_redoDiffs.push_back(std::move(m_diffs.back()));
-        m_diffs.pop_back();
-    }
-    --m_changeCount;
-    if (m_undoManager)
-        m_undoManager->registerUndo([this] { redo(); });
+    if (undone > 0 && m_undoManager)
+        m_undoManager->registerUndo([this, undone] { redo(undone); });
 }
 
-void Document::redo() {
-    if (m_redoDiffs.empty())
-        return;
-    DocumentDiff forward = std::move(m_redoDiffs.back());
-    m_redoDiffs.pop_back();
-    if (m_journalingEnabled) {
-        m_undoDiffs.push_back(reverseDiff(forward));
-        appendDiff(forward);
+void Document::redo(std::size_t records) {
+    std::size_t redone = 0;
+    for (; redone < records && !m_redoDiffs.empty(); ++redone) {
+        DocumentDiff forward = std::move(m_redoDiffs.back());
+        m_redoDiffs.pop_back();
+        if (m_journalingEnabled) {
+            m_undoDiffs.push_back(reverseDiff(forward));
+            appendDiff(forward);
+        }
+        applyDiff(forward, true);
     }
-    applyDiff(forward, true);
-    registerUndo();
+    if (redone > 0 && m_undoManager)
+        m_undoManager->registerUndo([this, redone] { undo(redone); });
 }
 
 } // namespace quillery

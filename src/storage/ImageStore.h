@@ -29,6 +29,8 @@ public:
     // Keeps the picture and its bytes under a new random key and returns the key.
     Identifier addImage(PicturePtr image, std::vector<std::uint8_t> originalData,
                         std::string fileExtension);
+    // What decodes pictures for this store; may be null.
+    const PictureCodec* codec() const { return m_codec; }
     // The picture under the key, or the codec's placeholder (null without codec or placeholder).
     PicturePtr image(const Identifier& key) const;
     // Where the picture's file lies in the package, for pictures that were in it when it was read.

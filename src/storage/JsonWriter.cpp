@@ -1,5 +1,6 @@
 #include "storage/JsonWriter.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstring>
@@ -96,7 +97,12 @@ JsonWriter::JsonWriter(std::string& out, Nesting nesting)
 // has one for every value.
 void JsonWriter::newLine(bool comma) {
     static constexpr std::string_view kBreaks = ",\n                                ";
-    const std::size_t indent = 2 * m_hasEntries.size();
+    if (m_compact) {
+        if (comma)
+            m_out += ',';
+        return;
+    }
+    const std::size_t indent = 2 * std::min(m_hasEntries.size(), m_indentLimit);
     const std::size_t length = 1 + indent + (comma ? 1 : 0);
     if (length <= kBreaks.size()) {
         m_out.append(kBreaks.substr(comma ? 0 : 1, length));
@@ -149,7 +155,7 @@ void JsonWriter::endArray() {
 void JsonWriter::key(std::string_view name) {
     beforeValue();
     appendEscaped(name);
-    m_out += " : ";
+    m_out += m_compact ? ":" : " : ";
     m_afterKey = true;
 }
 

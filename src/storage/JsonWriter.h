@@ -24,6 +24,12 @@ public:
     // written apart (on other threads, into other strings) and joined in order.
     JsonWriter(std::string& out, Nesting nesting);
 
+    // Compact output has no line breaks and no spaces around the colons.
+    void setCompact(bool compact) { m_compact = compact; }
+    // Pretty output indents no deeper than this many levels, so that a deeply nested value
+    // takes space in proportion to its entries.
+    void setIndentLimit(std::size_t levels) { m_indentLimit = levels; }
+
     const Nesting& nesting() const { return m_hasEntries; }
     void setNesting(Nesting nesting) { m_hasEntries = std::move(nesting); }
 
@@ -54,6 +60,8 @@ private:
     std::string& m_out;
     Nesting m_hasEntries;
     bool m_afterKey = false;
+    bool m_compact = false;
+    std::size_t m_indentLimit = static_cast<std::size_t>(-1);
     bool m_sawInvalidText = false;
 };
 

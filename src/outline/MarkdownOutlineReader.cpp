@@ -1,0 +1,282 @@
+#include "outline/MarkdownOutlineReader.h"
+
+#include "outline/OutlineSyntax.h"
+
+#include <algorithm>
+#include <md4c.h>
+#include <vector>
+
+namespace quillery {
+
+namespace {
+
+using namespace outline_syntax;
+
+// Lines of a note's own text, by the offsets of the first and last text md4c reported in them.
+struct Segment {
+    std::size_t first;
+    std::size_t last;
+    bool fenceBefore = false; // a fenced code block opens the segment: take its fence line too
+    bool fenceAfter = false;  // one closes it
+};
+
+struct PendingNote {
+    std::size_t depth;
+    bool isItem;
+    bool isHeading;
+    std::vector<Segment> segments;
+    std::size_t notesAtLastText = 0; // a note added since the last text starts a new segment
+    bool fenceOpening = false;
+};
+
+std::string_view trimmedStart(std::string_view line) {
+    const std::size_t start = line.find_first_not_of(" \t>");
+    return start == std::string_view::npos ? std::string_view() : line.substr(start);
+}
+
+bool isFenceLine(std::string_view line) {
+    line = trimmedStart(line);
+    return line.starts_with("```") || line.starts_with("~~~");
+}
+
+// A list marker with nothing after it but blanks or the backslash of an escaped empty line: the
+// item's text starts on the line after it.
+bool isBareMarkerLine(std::string_view line) {
+    line = trimmedStart(line);
+    const std::size_t marker = listMarkerLength(line);
+    if (marker == 0)
+        return false;
+    const std::string_view rest = trimmedStart(line.substr(marker));
+    return rest.empty() || rest == "\\";
+}
+
+// Where the text starts on a block's first line: after quote markers, list markers and, for a
+// heading, its hashes.
+std::size_t prefixLength(std::string_view line, bool heading) {
+    std::size_t i = 0;
+    for (;;) {
+        while (i < line.size() && (line[i] == ' ' || line[i] == '\t'))
+            ++i;
+        if (i < line.size() && line[i] == '>') {
+            ++i;
+            continue;
+        }
+        if (const std::size_t marker = listMarkerLength(line.substr(i))) {
+            i += marker;
+            continue;
+        }
+        break;
+    }
+    if (heading && i < line.size() && line[i] == '#') {
+        while (i < line.size() && line[i] == '#')
+            ++i;
+        while (i < line.size() && (line[i] == ' ' || line[i] == '\t'))
+            ++i;
+    }
+    return i;
+}
+
+class OutlineBuilder {
+public:
+    explicit OutlineBuilder(std::string_view source)
+        : m_source(source) {
+        m_lineStarts.push_back(0);
+        for (std::size_t i = 0; i < source.size(); ++i)
+            if (source[i] == '\n')
+                m_lineStarts.push_back(i + 1);
+    }
+
+    int enterBlock(MD_BLOCKTYPE type, void* detail) {
+        long note = -1;
+        if (type == MD_BLOCK_LI) {
+            const std::size_t depth =
+                m_itemDepth > 0 ? m_notes[m_noteStack.back()].depth + 1 : headingBase();
+            note = addNote(depth, true, false);
+            ++m_itemDepth;
+        } else if (type == MD_BLOCK_H && m_itemDepth == 0) {
+            const unsigned level = static_cast<MD_BLOCK_H_DETAIL*>(detail)->level;
+            while (!m_headings.empty() && m_headings.back().level >= level)
+                m_headings.pop_back();
+            const std::size_t depth = headingBase();
+            note = addNote(depth, false, true);
+            m_headings.push_back({level, m_notes[static_cast<std::size_t>(note)].depth});
+        } else if (m_noteStack.empty() && (type == MD_BLOCK_P || type == MD_BLOCK_CODE ||
+                                           type == MD_BLOCK_HTML || type == MD_BLOCK_TABLE)) {
+            note = addNote(headingBase(), false, false);
+        }
+        m_frames.push_back({type, note >= 0});
+        if (note >= 0)
+            m_noteStack.push_back(static_cast<std::size_t>(note));
+        if (type == MD_BLOCK_CODE && static_cast<MD_BLOCK_CODE_DETAIL*>(detail)->fence_char &&
+            !m_noteStack.empty())
+            m_notes[m_noteStack.back()].fenceOpening = true;
+        m_codeHadText = false;
+        return 0;
+    }
+
+    int leaveBlock(MD_BLOCKTYPE type, void* detail) {
+        if (type == MD_BLOCK_CODE && static_cast<MD_BLOCK_CODE_DETAIL*>(detail)->fence_char &&
+            !m_noteStack.empty()) {
+            PendingNote& note = m_notes[m_noteStack.back()];
+            if (m_codeHadText && !note.segments.empty())
+                note.segments.back().fenceAfter = true;
+            note.fenceOpening = false;
+        }
+        if (type == MD_BLOCK_LI)
+            --m_itemDepth;
+        if (m_frames.back().hasNote)
+            m_noteStack.pop_back();
+        m_frames.pop_back();
+        return 0;
+    }
+
+    int text(const MD_CHAR* text, MD_SIZE size) {
+        // Texts md4c made up (line breaks, replacement characters) are not in the source.
+        if (size == 0 || m_noteStack.empty() || text < m_source.data() ||
+            text + size > m_source.data() + m_source.size())
+            return 0;
+        const std::size_t first = static_cast<std::size_t>(text - m_source.data());
+        const std::size_t last = first + size - 1;
+        PendingNote& note = m_notes[m_noteStack.back()];
+        if (note.segments.empty() || note.notesAtLastText != m_notes.size()) {
+            note.segments.push_back({first, last, note.fenceOpening, false});
+            note.fenceOpening = false;
+        } else {
+            note.segments.back().last = std::max(note.segments.back().last, last);
+        }
+        note.notesAtLastText = m_notes.size();
+        m_codeHadText = true;
+        return 0;
+    }
+
+    Outline finish() const {
+        Outline outline;
+        for (const PendingNote& note : m_notes)
+            outline.add(note.depth, textOf(note));
+        return outline;
+    }
+
+private:
+    struct Frame {
+        MD_BLOCKTYPE type;
+        bool hasNote;
+    };
+    struct Heading {
+        unsigned level;
+        std::size_t depth;
+    };
+
+    std::size_t headingBase() const { return m_headings.empty() ? 0 : m_headings.back().depth + 1; }
+
+    long addNote(std::size_t depth, bool isItem, bool isHeading) {
+        PendingNote note{depth, isItem, isHeading, {}, 0, false};
+        if (!m_notes.empty())
+            note.depth = std::min(note.depth, m_notes.back().depth + 1);
+        m_notes.push_back(std::move(note));
+        return static_cast<long>(m_notes.size() - 1);
+    }
+
+    std::size_t lineOf(std::size_t offset) const {
+        return static_cast<std::size_t>(
+                   std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), offset) -
+                   m_lineStarts.begin()) -
+               1;
+    }
+
+    std::string_view line(std::size_t index) const {
+        const std::size_t start = m_lineStarts[index];
+        std::size_t end =
+            index + 1 < m_lineStarts.size() ? m_lineStarts[index + 1] - 1 : m_source.size();
+        std::string_view text = m_source.substr(start, end - start);
+        if (text.ends_with('\r'))
+            text.remove_suffix(1);
+        return text;
+    }
+
+    std::string textOf(const PendingNote& note) const {
+        std::string text;
+        std::size_t contentColumns = 0;
+        for (std::size_t s = 0; s < note.segments.size(); ++s) {
+            const Segment& segment = note.segments[s];
+            std::size_t firstLine = lineOf(segment.first);
+            std::size_t lastLine = lineOf(segment.last);
+            if (segment.fenceBefore && firstLine > 0 && isFenceLine(line(firstLine - 1)))
+                --firstLine;
+            if (segment.fenceAfter && lastLine + 1 < m_lineStarts.size() &&
+                isFenceLine(line(lastLine + 1)))
+                ++lastLine;
+            const bool opening = s == 0;
+            if (opening && note.isItem && firstLine > 0 &&
+                listMarkerLength(trimmedStart(line(firstLine))) == 0 &&
+                isBareMarkerLine(line(firstLine - 1)))
+                --firstLine;
+            if (!opening)
+                text += '\n';
+            for (std::size_t index = firstLine; index <= lastLine; ++index) {
+                std::string_view content = line(index);
+                if (opening && index == firstLine) {
+                    std::size_t cut = prefixLength(content, note.isHeading);
+                    const std::size_t start = m_lineStarts[index];
+                    if (segment.first >= start && segment.first - start < cut)
+                        cut = segment.first - start;
+                    contentColumns = columnsOf(content.substr(0, cut));
+                    content = content.substr(cut);
+                } else {
+                    content = withoutColumns(content, contentColumns);
+                    text += '\n';
+                }
+                text += withoutEscape(content, markdownLineNeedsEscape);
+            }
+        }
+        return text;
+    }
+
+    static std::size_t columnsOf(std::string_view prefix) {
+        std::size_t column = 0;
+        for (char c : prefix)
+            column = c == '\t' ? (column / 4 + 1) * 4 : column + 1;
+        return column;
+    }
+
+    std::string_view m_source;
+    std::vector<std::size_t> m_lineStarts;
+    std::vector<PendingNote> m_notes;
+    std::vector<Frame> m_frames;
+    std::vector<std::size_t> m_noteStack;
+    std::vector<Heading> m_headings;
+    std::size_t m_itemDepth = 0;
+    bool m_codeHadText = false;
+};
+
+} // namespace
+
+ParsedOutline readMarkdownOutline(std::string_view markdown) {
+    if (auto line = outline_import::lineOfInvalidUtf8(markdown))
+        return outline_import::failure(*line, "the text is not UTF-8");
+    if (markdown.size() > kMaxOutlineFileBytes)
+        return outline_import::failure(0, "the text is larger than 256 MB");
+
+    OutlineBuilder builder(markdown);
+    MD_PARSER parser{};
+    parser.flags = MD_FLAG_NOHTML;
+    parser.enter_block = [](MD_BLOCKTYPE type, void* detail, void* self) {
+        return static_cast<OutlineBuilder*>(self)->enterBlock(type, detail);
+    };
+    parser.leave_block = [](MD_BLOCKTYPE type, void* detail, void* self) {
+        return static_cast<OutlineBuilder*>(self)->leaveBlock(type, detail);
+    };
+    parser.enter_span = [](MD_SPANTYPE, void*, void*) {
+        return 0;
+    };
+    parser.leave_span = [](MD_SPANTYPE, void*, void*) {
+        return 0;
+    };
+    parser.text = [](MD_TEXTTYPE, const MD_CHAR* text, MD_SIZE size, void* self) {
+        return static_cast<OutlineBuilder*>(self)->text(text, size);
+    };
+    if (md_parse(markdown.data(), static_cast<MD_SIZE>(markdown.size()), &parser, &builder) != 0)
+        return outline_import::failure(0, "the markdown could not be read");
+    return {builder.finish(), std::nullopt};
+}
+
+} // namespace quillery
