@@ -55,7 +55,9 @@ void IndentedOutlineWriter::note(std::size_t depth, const NoteView& view) {
     const std::string indent(2 * std::min(depth, outline_syntax::kMaxIndentedDepth), ' ');
     auto needsEscape =
         markdown ? outline_syntax::markdownLineNeedsEscape : outline_syntax::textLineNeedsEscape;
-    if (text.empty() || (lines.front().empty() && !markdown))
+    // An empty item cannot follow a paragraph in markdown (it would underline it), so there
+    // an empty first line is escaped like any other.
+    if (!markdown && lines.front().empty())
         appendLine(indent, "-");
     else
         appendLine(indent + (markdown && needsEscape(lines.front()) ? "- \\" : "- "),

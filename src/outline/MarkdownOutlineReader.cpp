@@ -193,6 +193,17 @@ private:
         return text;
     }
 
+    // The line of an item's marker, given the line of its first text: the same, or, when the item
+    // starts with empty lines (escaped ones hold no text), the bare marker line above them.
+    std::size_t markerLine(std::size_t firstText) const {
+        if (listMarkerLength(trimmedStart(line(firstText))) > 0)
+            return firstText;
+        std::size_t above = firstText;
+        while (above > 0 && trimmedStart(line(above - 1)) == "\\")
+            --above;
+        return above > 0 && isBareMarkerLine(line(above - 1)) ? above - 1 : firstText;
+    }
+
     std::string textOf(const PendingNote& note) const {
         std::string text;
         std::size_t contentColumns = 0;
@@ -206,10 +217,8 @@ private:
                 isFenceLine(line(lastLine + 1)))
                 ++lastLine;
             const bool opening = s == 0;
-            if (opening && note.isItem && firstLine > 0 &&
-                listMarkerLength(trimmedStart(line(firstLine))) == 0 &&
-                isBareMarkerLine(line(firstLine - 1)))
-                --firstLine;
+            if (opening && note.isItem)
+                firstLine = markerLine(firstLine);
             if (!opening)
                 text += '\n';
             for (std::size_t index = firstLine; index <= lastLine; ++index) {

@@ -15,6 +15,9 @@ namespace outline_import {
 
 std::size_t lineAt(std::string_view bytes, std::size_t offset) {
     offset = std::min(offset, bytes.size());
+    // The end of a file that ends its last line is still on that line.
+    if (offset == bytes.size() && bytes.ends_with('\n'))
+        --offset;
     return 1 + static_cast<std::size_t>(std::count(bytes.begin(), bytes.begin() + offset, '\n'));
 }
 
