@@ -8,7 +8,7 @@ JsonTreeWriter::JsonTreeWriter(std::ostream& out, bool pretty)
     : m_out(out)
     , m_json(m_out.text()) {
     m_json.setCompact(!pretty);
-    m_json.setIndentLimit(2 * outline_syntax::kMaxIndentedDepth);
+    m_json.setIndentLimit(outline_syntax::kMaxIndentedDepth);
 }
 
 void JsonTreeWriter::closeNote() {

@@ -7,7 +7,7 @@ namespace quillery {
 
 // Notes as JSON: NODE is {"identifier", "text", "children": [NODE...]} plus "image" (the
 // picture's key) and "url" when the note has them. Compact, or pretty with the indentation
-// capped (outline_syntax::kMaxIndentedDepth levels of notes).
+// capped (at outline_syntax::kMaxIndentedDepth levels, half as many notes).
 class JsonTreeWriter : public OutlineWriter {
 public:
     JsonTreeWriter(std::ostream& out, bool pretty);

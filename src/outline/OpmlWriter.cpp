@@ -7,6 +7,13 @@
 
 namespace quillery {
 
+namespace {
+
+// Indentation means nothing to a reader of XML; it stops early to keep deep files small.
+constexpr std::size_t kMaxIndentedDepth = 32;
+
+} // namespace
+
 OpmlWriter::OpmlWriter(std::ostream& out)
     : m_out(out) {
     m_out.text() += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -16,7 +23,7 @@ OpmlWriter::OpmlWriter(std::ostream& out)
 }
 
 void OpmlWriter::appendIndent(std::size_t depth) {
-    m_out.text().append(4 + 2 * std::min(depth, outline_syntax::kMaxIndentedDepth), ' ');
+    m_out.text().append(4 + 2 * std::min(depth, kMaxIndentedDepth), ' ');
 }
 
 // A note is written once the next one shows whether it has children.

@@ -6,7 +6,7 @@ namespace quillery {
 
 // OPML 2.0: one `outline` element per note with the note's text in "text" (a picture as a link to
 // its file, as in markdown) and its web address in "url"; two spaces per level of indentation,
-// no deeper than outline_syntax::kMaxIndentedDepth levels. The head stays empty, so that the
+// no deeper than 32 levels. The head stays empty, so that the
 // same notes always give the same file.
 class OpmlWriter : public OutlineWriter {
 public:

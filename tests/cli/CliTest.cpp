@@ -3,8 +3,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <simdjson.h>
 #include <sstream>
 #include <sys/wait.h>
@@ -36,11 +38,16 @@ protected:
     }
     void TearDown() override { std::filesystem::remove_all(m_directory); }
 
-    Outcome run(std::vector<std::string> arguments) {
+    Outcome run(std::vector<std::string> arguments, bool toTerminal = false) {
         std::istringstream in;
         std::ostringstream out, err;
-        int exitCode = runCli(arguments, in, out, err);
+        int exitCode = runCli(arguments, in, out, err, toTerminal);
         return {exitCode, out.str(), err.str()};
+    }
+    std::string write(const std::string& name, const std::string& content) {
+        const std::string path = (m_directory / name).string();
+        std::ofstream(path, std::ios::binary) << content;
+        return path;
     }
     std::string add(const std::string& text, std::vector<std::string> more = {}) {
         std::vector<std::string> arguments{"add", m_package, "--text", text};
@@ -163,11 +170,17 @@ INSTANTIATE_TEST_SUITE_P(
         BadUsage{"TextNotUtf8", {"add", "PKG", "--text", "\xFF"}, "not valid UTF-8"},
         BadUsage{"BadIndex", {"add", "PKG", "--text", "t", "--at", "-1"}, "--at needs"},
         BadUsage{"IndexPastEnd", {"add", "PKG", "--text", "t", "--at", "1"}, "past the end"},
-        BadUsage{"UnknownParent", {"add", "PKG", "--text", "t", "--parent", "X"}, "no note “X”"}),
+        BadUsage{"UnknownParent", {"add", "PKG", "--text", "t", "--parent", "X"}, "no note “X”"},
+        BadUsage{"UnknownNote", {"export", "PKG", "--note", "X"}, "no note “X”"},
+        BadUsage{"ImportWithoutFile", {"import", "PKG"}, "give a PACKAGE and a FILE"},
+        BadUsage{"ImportFormatUnknown", {"import", "PKG", "notes.doc"}, "give --format"},
+        BadUsage{"ImportFormatNamedBadly",
+                 {"import", "PKG", "a.md", "--format", "rtf"},
+                 "unknown format"}),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(CliTest, EveryCommandExplainsItself) {
-    for (const char* command : {"new", "export", "add", "info"}) {
+    for (const char* command : {"new", "export", "import", "add", "info"}) {
         Outcome result = run({command, "--help"});
         EXPECT_EQ(result.exitCode, kSuccess);
         EXPECT_THAT(result.out, StartsWith(std::string("Usage: quillery-cli ") + command));
@@ -215,6 +228,180 @@ TEST_F(CliTest, AFolderThatIsNoNotebookIsRefusedAndLeftAlone) {
     EXPECT_EQ(result.exitCode, kPackageFailure);
     EXPECT_THAT(result.err, HasSubstr("“" + folder.string() + "” is not a Quillery notebook"));
     EXPECT_TRUE(std::filesystem::is_empty(folder));
+}
+
+TEST_F(CliTest, ImportAddsAnOutlineUnderANoteAndExportsItInEveryFormat) {
+    run({"new", m_package});
+    const std::string parent = add("Inbox");
+    const std::string file = write("plan.md", "# Trip\n- [Map](https://map.org)\n  - *pack*\n");
+    Outcome imported = run({"import", m_package, file, "--parent", parent});
+    ASSERT_EQ(imported.exitCode, kSuccess) << imported.err;
+    EXPECT_EQ(imported.out, "Imported 3 notes.\n");
+
+    EXPECT_EQ(run({"export", "--format", "text", m_package}).out,
+              "- Inbox\n  - Trip\n    - [Map](https://map.org)\n      - *pack*\n");
+    Outcome subtree = run({"export", m_package, "--format", "opml", "--note", parent});
+    EXPECT_THAT(subtree.out, HasSubstr("<body>\n    <outline text=\"Inbox\">\n      <outline "
+                                       "text=\"Trip\">\n"));
+    const std::string page = (m_directory / "out" / "Notes.html").string();
+    std::filesystem::create_directory(m_directory / "out");
+    ASSERT_EQ(run({"export", "--format", "html", "--output", page, m_package}).exitCode, kSuccess);
+    std::stringstream html;
+    html << std::ifstream(page).rdbuf();
+    EXPECT_THAT(html.str(), HasSubstr("<li>[Map](https://map.org)\n<ul>\n<li>*pack*\n</li>"));
+    EXPECT_THAT(run({"export", "--pretty", m_package}).out, HasSubstr("\"text\" : \"Trip\""));
+}
+
+TEST_F(CliTest, HtmlExportCopiesPicturesBesideThePage) {
+    std::filesystem::create_directories(std::filesystem::path(m_package) / "images");
+    std::ofstream(std::filesystem::path(m_package) / "images" / "K1.png") << "\x89PNG\r\n\x1A\n";
+    std::ofstream(std::filesystem::path(m_package) / "C.journal") << R"({"diffs": [
+        {"timestamp": "2017-03-04T09:15:02GMT", "identifier": "P", "text": "", "parent": "root",
+         "image": "K1"}]})";
+    const std::string page = (m_directory / "My Notes.html").string();
+    ASSERT_EQ(run({"export", "--format", "html", "--output", page, m_package}).exitCode, kSuccess);
+    std::stringstream html;
+    html << std::ifstream(page).rdbuf();
+    EXPECT_THAT(html.str(), HasSubstr("<img src=\"My%20Notes_files/K1.png\""));
+    EXPECT_TRUE(std::filesystem::exists(m_directory / "My Notes_files" / "K1.png"));
+}
+
+struct BadFile {
+    const char* name;
+    const char* content;
+    const char* message;
+
+    friend void PrintTo(const BadFile& c, std::ostream* out) { *out << c.name; }
+};
+
+class CliBadImportTest : public CliTest, public ::testing::WithParamInterface<BadFile> {};
+
+TEST_P(CliBadImportTest, NamesTheLineAndLeavesTheNotebookAlone) {
+    run({"new", m_package});
+    add("kept");
+    const std::string before = run({"export", m_package}).out;
+    const std::string file = GetParam().content ? write(GetParam().name, GetParam().content)
+                                                : (m_directory / GetParam().name).string();
+    Outcome result = run({"import", m_package, file});
+    EXPECT_EQ(result.exitCode, kPackageFailure);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, HasSubstr(file + GetParam().message));
+    EXPECT_EQ(run({"export", m_package}).out, before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, CliBadImportTest,
+    ::testing::Values(BadFile{"broken.opml", "<opml><body>\n<outline text=\"a\">\n</body></opml>",
+                              ":3: the XML is not well-formed"},
+                      BadFile{"binary.md", "- a\n- b\n- \xC0\xAF\n", ":3: the text is not UTF-8"},
+                      BadFile{"missing.txt", nullptr, ": No such file"}),
+    [](const auto& test) { return std::string(test.param.name).substr(0, 6); });
+
+TEST_F(CliTest, ControlCharactersAreShownEscapedOnATerminalUnlessRaw) {
+    run({"new", m_package});
+    add("title\x1b]0;pwned\x07 \xC2\x9B"
+        "2J");
+    const std::vector<std::string> exportText{"export", "--format", "text", m_package};
+    EXPECT_EQ(run(exportText, true).out, "- title\\x1b]0;pwned\\x07 \\xc2\\x9b2J\n");
+    std::vector<std::string> raw = exportText;
+    raw.push_back("--raw");
+    EXPECT_EQ(run(raw, true).out, "- title\x1b]0;pwned\x07 \xC2\x9B"
+                                  "2J\n");
+    EXPECT_EQ(run(exportText, false).out, run(raw, true).out) << "pipes and files get the bytes";
+}
+
+// Counts what is written and keeps the end of it.
+class TailBuffer : public std::streambuf {
+public:
+    std::size_t size = 0;
+    std::string tail;
+
+protected:
+    std::streamsize xsputn(const char* data, std::streamsize count) override {
+        size += static_cast<std::size_t>(count);
+        tail.append(data, static_cast<std::size_t>(count));
+        if (tail.size() > 4096)
+            tail.erase(0, tail.size() - 256);
+        return count;
+    }
+    int_type overflow(int_type c) override {
+        if (c != traits_type::eof())
+            xsputn(reinterpret_cast<const char*>(&c), 1);
+        return c;
+    }
+};
+
+// Runs the task on a thread with a small stack, as a deep recursion would overflow it.
+void runOnSmallStack(const std::function<void()>& task) {
+#if defined(__SANITIZE_ADDRESS__)
+    constexpr std::size_t kStack = 1 << 20; // sanitized frames are several times larger
+#else
+    constexpr std::size_t kStack = 256 << 10;
+#endif
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, kStack);
+    pthread_t thread;
+    auto body = [](void* argument) -> void* {
+        (*static_cast<const std::function<void()>*>(argument))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, body, const_cast<std::function<void()>*>(&task)),
+              0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+TEST_F(CliTest, AMillionDeepChainExportsInEveryFormatAndImportsBack) {
+    constexpr std::size_t kDepth = 1'000'000;
+    std::filesystem::create_directory(m_package);
+    {
+        std::ofstream journal(std::filesystem::path(m_package) / "C.journal");
+        journal << "{\"diffs\": [\n";
+        for (std::size_t i = 0; i < kDepth; ++i)
+            journal << (i ? ",\n" : "")
+                    << R"({"timestamp": "2017-03-04T09:15:02GMT", "identifier": "N)" << i
+                    << R"(", "text": "n", "parent": ")"
+                    << (i ? "N" + std::to_string(i - 1) : std::string("root")) << "\"}";
+        journal << "]}\n";
+    }
+    struct Expected {
+        std::vector<std::string> options;
+        std::string tail;
+    };
+    const std::string deepest = std::string(128, ' ') + "- n\n";
+    const std::string deleted = "{\"identifier\":\"deleted\",\"text\":\"\",\"children\":[]}}\n";
+    const std::vector<Expected> formats{
+        {{"--format", "json"}, "]}]}]},\"deleted\":" + deleted},
+        {{"--format", "json", "--pretty", "--note", "N999999"},
+         "{\n  \"identifier\" : \"N999999\",\n  \"text\" : \"n\",\n  \"children\" : []\n}\n"},
+        {{"--format", "markdown"}, deepest},
+        {{"--format", "text"}, deepest},
+        {{"--format", "opml"}, "</outline>\n  </body>\n</opml>\n"},
+        {{"--format", "html"}, "</ul>\n</li>\n</ul>\n</body>\n</html>\n"},
+    };
+    runOnSmallStack([&] {
+        for (const Expected& format : formats) {
+            std::vector<std::string> arguments{"export", m_package};
+            arguments.insert(arguments.end(), format.options.begin(), format.options.end());
+            TailBuffer buffer;
+            std::ostream out(&buffer);
+            std::istringstream in;
+            std::ostringstream err;
+            ASSERT_EQ(runCli(arguments, in, out, err), kSuccess) << err.str();
+            EXPECT_THAT(buffer.tail, ::testing::EndsWith(format.tail)) << format.options.back();
+            // Indentation grows with depth only up to a cap, so output grows with the notes.
+            EXPECT_LT(buffer.size, 1000 * kDepth) << format.options.back();
+        }
+        const std::string opml = (m_directory / "deep.opml").string();
+        const std::string copy = (m_directory / "Copy.quillery").string();
+        ASSERT_EQ(run({"export", "--format", "opml", "--output", opml, m_package}).exitCode,
+                  kSuccess);
+        ASSERT_EQ(run({"new", copy}).exitCode, kSuccess);
+        Outcome imported = run({"import", copy, opml});
+        EXPECT_EQ(imported.out, "Imported 1000000 notes.\n") << imported.err;
+        EXPECT_THAT(run({"info", copy}).out, HasSubstr("Notes: 1000000\n"));
+    });
 }
 
 } // namespace
