@@ -10,15 +10,23 @@ namespace quillery {
 
 namespace {
 
-std::vector<std::string_view> linesOf(std::string_view text) {
+// The lines of a note as the format's reader will see them: markdown ends a line at "\n", "\r\n"
+// or a lone "\r", indented text at "\n" and drops a "\r" before it.
+std::vector<std::string_view> linesOf(std::string_view text, bool markdown) {
     std::vector<std::string_view> lines;
-    for (std::size_t start = 0;;) {
-        const std::size_t end = text.find('\n', start);
-        lines.push_back(text.substr(start, end == std::string_view::npos ? end : end - start));
-        if (end == std::string_view::npos)
-            return lines;
-        start = end + 1;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i <= text.size(); ++i) {
+        if (i < text.size() && text[i] != '\n' && !(markdown && text[i] == '\r'))
+            continue;
+        std::string_view line = text.substr(start, i - start);
+        if (line.ends_with('\r'))
+            line.remove_suffix(1);
+        lines.push_back(line);
+        if (i + 1 < text.size() && text[i] == '\r' && text[i + 1] == '\n')
+            ++i;
+        start = i + 1;
     }
+    return lines;
 }
 
 bool isBlank(std::string_view line) {
@@ -46,8 +54,8 @@ void IndentedOutlineWriter::appendLine(std::string_view prefix, std::string_view
 
 void IndentedOutlineWriter::note(std::size_t depth, const NoteView& view) {
     const std::string text = outline_syntax::noteLine(view, true);
-    std::vector<std::string_view> lines = linesOf(text);
     const bool markdown = m_flavour == Flavour::markdown;
+    std::vector<std::string_view> lines = linesOf(text, markdown);
     if (!markdown)
         while (lines.size() > 1 && isBlank(lines.back()))
             lines.pop_back();

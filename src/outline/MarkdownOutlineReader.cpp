@@ -17,7 +17,7 @@ struct Segment {
     std::size_t first;
     std::size_t last;
     bool fenceBefore = false; // a fenced code block opens the segment: take its fence line too
-    bool fenceAfter = false;  // one closes it
+    std::size_t nextNote = 0; // the first note that md4c started after this segment's last text
 };
 
 struct PendingNote {
@@ -37,17 +37,6 @@ std::string_view trimmedStart(std::string_view line) {
 bool isFenceLine(std::string_view line) {
     line = trimmedStart(line);
     return line.starts_with("```") || line.starts_with("~~~");
-}
-
-// A list marker with nothing after it but blanks or the backslash of an escaped empty line: the
-// item's text starts on the line after it.
-bool isBareMarkerLine(std::string_view line) {
-    line = trimmedStart(line);
-    const std::size_t marker = listMarkerLength(line);
-    if (marker == 0)
-        return false;
-    const std::string_view rest = trimmedStart(line.substr(marker));
-    return rest.empty() || rest == "\\";
 }
 
 // Where the text starts on a block's first line: after quote markers, list markers and, for a
@@ -81,8 +70,10 @@ public:
     explicit OutlineBuilder(std::string_view source)
         : m_source(source) {
         m_lineStarts.push_back(0);
+        // Lines end as md4c ends them: at "\n", "\r\n" or a lone "\r".
         for (std::size_t i = 0; i < source.size(); ++i)
-            if (source[i] == '\n')
+            if (source[i] == '\n' ||
+                (source[i] == '\r' && (i + 1 == source.size() || source[i + 1] != '\n')))
                 m_lineStarts.push_back(i + 1);
     }
 
@@ -110,18 +101,12 @@ public:
         if (type == MD_BLOCK_CODE && static_cast<MD_BLOCK_CODE_DETAIL*>(detail)->fence_char &&
             !m_noteStack.empty())
             m_notes[m_noteStack.back()].fenceOpening = true;
-        m_codeHadText = false;
         return 0;
     }
 
-    int leaveBlock(MD_BLOCKTYPE type, void* detail) {
-        if (type == MD_BLOCK_CODE && static_cast<MD_BLOCK_CODE_DETAIL*>(detail)->fence_char &&
-            !m_noteStack.empty()) {
-            PendingNote& note = m_notes[m_noteStack.back()];
-            if (m_codeHadText && !note.segments.empty())
-                note.segments.back().fenceAfter = true;
-            note.fenceOpening = false;
-        }
+    int leaveBlock(MD_BLOCKTYPE type) {
+        if (type == MD_BLOCK_CODE && !m_noteStack.empty())
+            m_notes[m_noteStack.back()].fenceOpening = false;
         if (type == MD_BLOCK_LI)
             --m_itemDepth;
         if (m_frames.back().hasNote)
@@ -139,20 +124,28 @@ public:
         const std::size_t last = first + size - 1;
         PendingNote& note = m_notes[m_noteStack.back()];
         if (note.segments.empty() || note.notesAtLastText != m_notes.size()) {
-            note.segments.push_back({first, last, note.fenceOpening, false});
+            note.segments.push_back({first, last, note.fenceOpening, 0});
             note.fenceOpening = false;
         } else {
             note.segments.back().last = std::max(note.segments.back().last, last);
         }
         note.notesAtLastText = m_notes.size();
-        m_codeHadText = true;
+        note.segments.back().nextNote = m_notes.size();
         return 0;
     }
 
     Outline finish() const {
+        // Where each note starts, and for each note the start of the first note from it on whose
+        // start is known (notes without text have none): the lines of a note's text end there.
+        constexpr std::size_t kUnknown = static_cast<std::size_t>(-1);
+        std::vector<std::size_t> nextStart(m_notes.size() + 1, kUnknown);
+        for (std::size_t i = m_notes.size(); i-- > 0;) {
+            const std::size_t start = startLine(m_notes[i]);
+            nextStart[i] = start != kUnknown ? start : nextStart[i + 1];
+        }
         Outline outline;
         for (const PendingNote& note : m_notes)
-            outline.add(note.depth, textOf(note));
+            outline.add(note.depth, textOf(note, nextStart));
         return outline;
     }
 
@@ -193,32 +186,57 @@ private:
         return text;
     }
 
-    // The line of an item's marker, given the line of its first text: the same, or, when the item
-    // starts with empty lines (escaped ones hold no text), the bare marker line above them.
+    // The line of an item's marker, given the line of its first text: the same, or the nearest
+    // line above that starts with a list marker, when the item starts with lines that hold no text
+    // (escaped empty lines, the start of a code span). Lines between an item's marker and its
+    // first text never start with one: that would be a list inside it.
     std::size_t markerLine(std::size_t firstText) const {
-        if (listMarkerLength(trimmedStart(line(firstText))) > 0)
-            return firstText;
-        std::size_t above = firstText;
-        while (above > 0 && trimmedStart(line(above - 1)) == "\\")
-            --above;
-        return above > 0 && isBareMarkerLine(line(above - 1)) ? above - 1 : firstText;
+        for (std::size_t line = firstText;; --line) {
+            if (listMarkerLength(trimmedStart(this->line(line))) > 0)
+                return line;
+            if (line == 0)
+                return firstText;
+        }
     }
 
-    std::string textOf(const PendingNote& note) const {
+    std::size_t firstLineOf(const PendingNote& note, const Segment& segment, bool opening) const {
+        std::size_t firstLine = lineOf(segment.first);
+        if (segment.fenceBefore && firstLine > 0 && isFenceLine(line(firstLine - 1)))
+            --firstLine;
+        return opening && note.isItem ? markerLine(firstLine) : firstLine;
+    }
+
+    std::size_t startLine(const PendingNote& note) const {
+        return note.segments.empty() ? static_cast<std::size_t>(-1)
+                                     : firstLineOf(note, note.segments.front(), true);
+    }
+
+    // The last line of a segment: the line of its last text, and the lines after it that hold
+    // no text but close what it opened (a fence, a code span, a link), up to a blank line, a
+    // line that starts a list item or a heading, or where the next note starts.
+    std::size_t lastLineOf(const PendingNote& note, const Segment& segment,
+                           const std::vector<std::size_t>& nextStart) const {
+        std::size_t lastLine = lineOf(segment.last);
+        if (note.isHeading)
+            return lastLine;
+        const std::size_t bound = std::min(nextStart[segment.nextNote], m_lineStarts.size());
+        while (lastLine + 1 < bound) {
+            const std::string_view next = trimmedStart(line(lastLine + 1));
+            if (next.empty() || listMarkerLength(next) > 0 || next.starts_with('#'))
+                break;
+            ++lastLine;
+        }
+        return lastLine;
+    }
+
+    std::string textOf(const PendingNote& note, const std::vector<std::size_t>& nextStart) const {
         std::string text;
         std::size_t contentColumns = 0;
         for (std::size_t s = 0; s < note.segments.size(); ++s) {
             const Segment& segment = note.segments[s];
-            std::size_t firstLine = lineOf(segment.first);
-            std::size_t lastLine = lineOf(segment.last);
-            if (segment.fenceBefore && firstLine > 0 && isFenceLine(line(firstLine - 1)))
-                --firstLine;
-            if (segment.fenceAfter && lastLine + 1 < m_lineStarts.size() &&
-                isFenceLine(line(lastLine + 1)))
-                ++lastLine;
             const bool opening = s == 0;
-            if (opening && note.isItem)
-                firstLine = markerLine(firstLine);
+            const std::size_t firstLine = firstLineOf(note, segment, opening);
+            const std::size_t lastLine = lastLineOf(note, segment, nextStart);
             if (!opening)
                 text += '\n';
             for (std::size_t index = firstLine; index <= lastLine; ++index) {
@@ -254,7 +272,6 @@ private:
     std::vector<std::size_t> m_noteStack;
     std::vector<Heading> m_headings;
     std::size_t m_itemDepth = 0;
-    bool m_codeHadText = false;
 };
 
 } // namespace
@@ -265,14 +282,23 @@ ParsedOutline readMarkdownOutline(std::string_view markdown) {
     if (markdown.size() > kMaxOutlineFileBytes)
         return outline_import::failure(0, "the text is larger than 256 MB");
 
+    // md4c hands NUL characters over as U+FFFD from outside the text, which would leave them
+    // outside every note's lines: they are replaced before it reads.
+    std::string withoutNul;
+    if (markdown.find('\0') != std::string_view::npos) {
+        withoutNul.reserve(markdown.size());
+        for (char c : markdown)
+            withoutNul += c == '\0' ? std::string_view("\xEF\xBF\xBD") : std::string_view(&c, 1);
+        markdown = withoutNul;
+    }
     OutlineBuilder builder(markdown);
     MD_PARSER parser{};
     parser.flags = MD_FLAG_NOHTML;
     parser.enter_block = [](MD_BLOCKTYPE type, void* detail, void* self) {
         return static_cast<OutlineBuilder*>(self)->enterBlock(type, detail);
     };
-    parser.leave_block = [](MD_BLOCKTYPE type, void* detail, void* self) {
-        return static_cast<OutlineBuilder*>(self)->leaveBlock(type, detail);
+    parser.leave_block = [](MD_BLOCKTYPE type, void*, void* self) {
+        return static_cast<OutlineBuilder*>(self)->leaveBlock(type);
     };
     parser.enter_span = [](MD_SPANTYPE, void*, void*) {
         return 0;
