@@ -53,7 +53,8 @@ int usageError(std::ostream& err, std::string_view usage, const std::string& pro
 std::string linkPath(const std::string& path) {
     static constexpr char kHex[] = "0123456789ABCDEF";
     std::string link;
-    for (unsigned char c : path) {
+    for (const char each : path) {
+        const auto c = static_cast<unsigned char>(each);
         if (c <= ' ' || c == '"' || c == '#' || c == '%' || c == '?' || c == 0x7F) {
             link += '%';
             link += kHex[c >> 4];

@@ -68,7 +68,9 @@ void IndentedOutlineWriter::note(std::size_t depth, const NoteView& view) {
     if (!markdown && lines.front().empty())
         appendLine(indent, "-");
     else
-        appendLine(indent + (markdown && needsEscape(lines.front()) ? "- \\" : "- "),
+        appendLine(indent + (markdown && outline_syntax::markdownFirstLineNeedsEscape(lines.front())
+                                 ? "- \\"
+                                 : "- "),
                    lines.front());
     const std::string further = indent + "  ";
     for (std::size_t i = 1; i < lines.size(); ++i) {

@@ -252,7 +252,9 @@ private:
                     content = withoutColumns(content, contentColumns);
                     text += '\n';
                 }
-                text += withoutEscape(content, markdownLineNeedsEscape);
+                const bool first = opening && index == firstLine;
+                text += withoutEscape(content, first ? markdownFirstLineNeedsEscape
+                                                     : markdownLineNeedsEscape);
             }
         }
         return text;

@@ -39,8 +39,6 @@ bool startsMarkdownBlock(std::string_view line) {
     case '`':
     case '~':
         return line.starts_with("```") || line.starts_with("~~~");
-    case '[':
-        return line.find("]:") != std::string_view::npos;
     default:
         return false;
     }
@@ -92,6 +90,22 @@ bool markdownLineNeedsEscape(std::string_view line) {
 bool textLineNeedsEscape(std::string_view line) {
     const std::size_t start = line.find_first_not_of(" \t\\");
     return start != std::string_view::npos && listMarkerLength(line.substr(start)) > 0;
+}
+
+bool markdownFirstLineNeedsEscape(std::string_view line) {
+    if (markdownLineNeedsEscape(line))
+        return true;
+    const std::size_t start = line.find_first_not_of('\\');
+    if (line[start] != '[')
+        return false;
+    // A label ends at the first "]" that no backslash escapes; only "]:" makes a definition.
+    std::size_t backslashes = 0;
+    for (std::size_t i = start + 1; i < line.size(); ++i) {
+        if (line[i] == ']' && backslashes % 2 == 0)
+            return i + 1 < line.size() ? line[i + 1] == ':' : true;
+        backslashes = line[i] == '\\' ? backslashes + 1 : 0;
+    }
+    return true;
 }
 
 std::string_view withoutEscape(std::string_view line, bool (*needsEscape)(std::string_view)) {

@@ -27,6 +27,11 @@ std::size_t listMarkerLength(std::string_view line);
 // its list item (a list item, a heading, a quote, a fence, a rule, a blank or indented line...),
 // or begins with backslashes before such a line. The writer puts one backslash before it.
 bool markdownLineNeedsEscape(std::string_view line);
+// The same for the first line of a note, which starts its paragraph and so could also start a
+// link reference definition ("[label]: target", the label perhaps over several lines): a first
+// line starting with "[" is escaped too unless its label ends on it with something else than
+// ":" after it (a link: "[text](target)").
+bool markdownFirstLineNeedsEscape(std::string_view line);
 
 // Indented text: whether a further line of a note would be read as a new note (a list marker
 // after spaces, tabs and backslashes). The writer puts one backslash before it.

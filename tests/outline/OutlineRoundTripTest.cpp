@@ -27,6 +27,7 @@ const std::vector<std::string> kTexts = {
     "\\\n\\- escaped already\n\\\\# twice",
     "<b>&amp;</b> \"quoted\" 'single'",
     "*emphasis* **bold** `code` [link](https://example.org)",
+    "[a label over\ntwo lines]: /target",
 };
 
 // A generated outline: every text at several depths, a chain 40 deep, pictures and addresses.
