@@ -144,8 +144,18 @@ public:
             nextStart[i] = start != kUnknown ? start : nextStart[i + 1];
         }
         Outline outline;
-        for (const PendingNote& note : m_notes)
+        // Lines before this one belong to the notes before; an item without text (an empty one,
+        // one holding only "[](target)" or an empty code span) starts at the first marker line
+        // after them.
+        std::size_t unclaimed = 0;
+        for (std::size_t i = 0; i < m_notes.size(); ++i) {
+            PendingNote note = m_notes[i];
+            if (note.segments.empty() && note.isItem)
+                locateByMarker(note, i, unclaimed, std::min(nextStart[i + 1], m_lineStarts.size()));
+            if (!note.segments.empty())
+                unclaimed = lastLineOf(note, note.segments.front(), nextStart) + 1;
             outline.add(note.depth, textOf(note, nextStart));
+        }
         return outline;
     }
 
@@ -196,6 +206,19 @@ private:
                 return line;
             if (line == 0)
                 return firstText;
+        }
+    }
+
+    // Gives an item without text a segment at the first line in [from, bound) that starts with a
+    // list marker, reaching to the end of that line; none when there is no such line.
+    void locateByMarker(PendingNote& note, std::size_t index, std::size_t from,
+                        std::size_t bound) const {
+        for (std::size_t candidate = from; candidate < bound; ++candidate) {
+            if (listMarkerLength(trimmedStart(line(candidate))) == 0)
+                continue;
+            const std::size_t end = m_lineStarts[candidate] + line(candidate).size();
+            note.segments.push_back({end, end, false, index + 1});
+            return;
         }
     }
 

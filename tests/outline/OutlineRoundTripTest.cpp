@@ -28,6 +28,8 @@ const std::vector<std::string> kTexts = {
     "<b>&amp;</b> \"quoted\" 'single'",
     "*emphasis* **bold** `code` [link](https://example.org)",
     "[a label over\ntwo lines]: /target",
+    "[](https://example.org/no-text)",
+    "`\n`",
 };
 
 // A generated outline: every text at several depths, a chain 40 deep, pictures and addresses.
