@@ -148,13 +148,18 @@ public:
         // one holding only "[](target)" or an empty code span) starts at the first marker line
         // after them.
         std::size_t unclaimed = 0;
+        PendingNote located;
         for (std::size_t i = 0; i < m_notes.size(); ++i) {
-            PendingNote note = m_notes[i];
-            if (note.segments.empty() && note.isItem)
-                locateByMarker(note, i, unclaimed, std::min(nextStart[i + 1], m_lineStarts.size()));
-            if (!note.segments.empty())
-                unclaimed = lastLineOf(note, note.segments.front(), nextStart) + 1;
-            outline.add(note.depth, textOf(note, nextStart));
+            const PendingNote* note = &m_notes[i];
+            if (note->segments.empty() && note->isItem) {
+                located = *note;
+                locateByMarker(located, i, unclaimed,
+                               std::min(nextStart[i + 1], m_lineStarts.size()));
+                note = &located;
+            }
+            if (!note->segments.empty())
+                unclaimed = lastLineOf(*note, note->segments.front(), nextStart) + 1;
+            outline.add(note->depth, textOf(*note, nextStart));
         }
         return outline;
     }
