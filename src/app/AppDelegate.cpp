@@ -18,10 +18,6 @@ void AppDelegate::setUrlOpener(UrlOpener opener) {
     m_urlOpener = std::move(opener);
 }
 
-void AppDelegate::setNewDocumentHandler(NewDocumentHandler handler) {
-    m_newDocument = std::move(handler);
-}
-
 ListViewController* AppDelegate::columnContaining(QWidget* widget) {
     for (; widget; widget = widget->parentWidget()) {
         if (auto* column = qobject_cast<ListViewController*>(widget))
@@ -36,8 +32,7 @@ void AppDelegate::didTapAddNode() {
         column->didTapAddNode();
         return;
     }
-    if (m_newDocument)
-        m_newDocument();
+    emit newNotebookRequested();
 }
 
 // Whether a program took the address is not reported; there is nothing the user could do.

@@ -12,22 +12,18 @@ namespace quillery {
 class ListViewController;
 
 // The application's own menu commands: Help, Send Feedback, the social-network page, About, and
-// Add Note when no column takes it. It keeps no state beyond how to open addresses and how to
-// make a new notebook, both handed in by the shell.
+// Add Note when no column takes it. It keeps no state beyond how to open addresses.
 class AppDelegate : public QObject {
     Q_OBJECT
 
 public:
     using UrlOpener = std::function<bool(const QUrl&)>;
-    using NewDocumentHandler = std::function<void()>;
 
     explicit AppDelegate(QObject* parent = nullptr);
 
     // Opens addresses with the desktop's default programs unless told otherwise (tests).
     void setUrlOpener(UrlOpener opener);
     const UrlOpener& urlOpener() const { return m_urlOpener; }
-    // What Add Note does when no column has the focus: the shell makes a new notebook.
-    void setNewDocumentHandler(NewDocumentHandler handler);
 
     // Add Note: the column holding the keyboard focus adds a note; without one, a new notebook.
     void didTapAddNode();
@@ -40,9 +36,12 @@ public:
     // The column that contains the widget, if any.
     static ListViewController* columnContaining(QWidget* widget);
 
+signals:
+    // Add Note found no column with the focus: a new notebook takes the note.
+    void newNotebookRequested();
+
 private:
     UrlOpener m_urlOpener;
-    NewDocumentHandler m_newDocument;
     QWidget* m_about = nullptr;
 };
 

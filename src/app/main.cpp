@@ -57,7 +57,8 @@ int main(int argc, char* argv[]) {
     quillery::DialogPrompts prompts;
     quillery::DocumentController controller(preferences, codec, prompts);
     quillery::AppDelegate appDelegate;
-    appDelegate.setNewDocumentHandler([&controller] { controller.newDocument(); });
+    QObject::connect(&appDelegate, &quillery::AppDelegate::newNotebookRequested, &controller,
+                     &quillery::DocumentController::newDocument);
     controller.setAppDelegate(&appDelegate);
     QObject::connect(&instance, &quillery::SingleInstance::argumentsReceived, &controller,
                      &quillery::DocumentController::openForAnotherStart);

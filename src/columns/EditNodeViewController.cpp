@@ -1,7 +1,6 @@
 #include "columns/EditNodeViewController.h"
 
 #include "columns/ColumnStyle.h"
-#include "columns/EditNodeViewControllerDelegate.h"
 #include "markdown/Styles.h"
 
 #include <QBoxLayout>
@@ -71,18 +70,18 @@ void EditNodeViewController::updateUI() {
 }
 
 void EditNodeViewController::didTapDone() {
-    if (!m_representedNode || !m_delegate)
+    if (!m_representedNode)
         return;
+    // A copy: the receiver may let go of the panel, and with it of the note.
     const NodePtr node = m_representedNode;
-    m_delegate->editNodeViewControllerDidUpdateText(*this, m_textView->toPlainText().toStdString(),
-                                                    node);
+    emit finished(node, m_textView->toPlainText().toStdString());
 }
 
 void EditNodeViewController::didTapCancel() {
-    if (!m_representedNode || !m_delegate)
+    if (!m_representedNode)
         return;
     const NodePtr node = m_representedNode;
-    m_delegate->editNodeViewControllerDidCancelEditing(*this, node);
+    emit cancelled(node);
 }
 
 void EditNodeViewController::showEvent(QShowEvent* event) {

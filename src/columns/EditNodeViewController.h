@@ -4,17 +4,17 @@
 
 #include <QWidget>
 
+#include <string>
+
 class QPlainTextEdit;
 class QPushButton;
 
 namespace quillery {
 
-class EditNodeViewControllerDelegate;
-
 // The panel in which one note's text is typed or changed. Typing has its own undo history,
 // which lives and dies with the panel and never reaches the document's. Done (also Ctrl+Return)
-// and Cancel (also Escape) report to the delegate, the column that opened the panel, which
-// records the change or throws a new note away and then asks for the panel to be taken away.
+// and Cancel (also Escape) are signalled to the column that opened the panel, which records the
+// change or throws a new note away and then asks for the panel to be taken away.
 class EditNodeViewController : public QWidget {
     Q_OBJECT
 
@@ -24,15 +24,16 @@ public:
     const NodePtr& representedNode() const { return m_representedNode; }
     // Replaces the text with the note's text, as stored.
     void setRepresentedNode(NodePtr node);
-    EditNodeViewControllerDelegate* delegate() const { return m_delegate; }
-    void setDelegate(EditNodeViewControllerDelegate* delegate) { m_delegate = delegate; }
-
     QPlainTextEdit* textView() const { return m_textView; }
 
-    // The delegate may ask for the panel to be destroyed from inside these; destroy it with
-    // deleteLater(), as the panel is still on the call stack.
     void didTapDone();
     void didTapCancel();
+
+signals:
+    // The text as it stands, changed or not. A receiver that destroys the panel must use
+    // deleteLater(), as the panel is still on the call stack.
+    void finished(const NodePtr& note, const std::string& text);
+    void cancelled(const NodePtr& note);
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -43,7 +44,6 @@ private:
     QPlainTextEdit* m_textView;
     QPushButton* m_doneButton;
     QPushButton* m_cancelButton;
-    EditNodeViewControllerDelegate* m_delegate = nullptr;
     NodePtr m_representedNode;
 };
 

@@ -1,6 +1,5 @@
 #include "columns/ImageDetailViewController.h"
 
-#include "columns/ImageDetailViewControllerDelegate.h"
 #include "columns/ZoomableImageView.h"
 
 #include <QHBoxLayout>
@@ -59,7 +58,7 @@ ImageDetailViewController::ImageDetailViewController(QWidget* parent)
     connect(zoomOut, &QToolButton::clicked, m_imageView, &ZoomableImageView::zoomOut);
     connect(zoomIn, &QToolButton::clicked, m_imageView, &ZoomableImageView::zoomIn);
     connect(fit, &QToolButton::clicked, m_imageView, &ZoomableImageView::fitToView);
-    connect(m_doneButton, &QPushButton::clicked, this, &ImageDetailViewController::didTapDone);
+    connect(m_doneButton, &QPushButton::clicked, this, &ImageDetailViewController::finished);
     setFocusProxy(m_imageView);
 }
 
@@ -71,11 +70,6 @@ void ImageDetailViewController::setImage(QImage image) {
     m_imageView->setImage(std::move(image));
 }
 
-void ImageDetailViewController::didTapDone() {
-    if (m_delegate)
-        m_delegate->imageDetailViewControllerDidTapDone(*this);
-}
-
 void ImageDetailViewController::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     // The layout gives the view its size only once the panel is on screen.
@@ -84,7 +78,7 @@ void ImageDetailViewController::showEvent(QShowEvent* event) {
 
 void ImageDetailViewController::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape) {
-        didTapDone();
+        emit finished();
         return;
     }
     QWidget::keyPressEvent(event);

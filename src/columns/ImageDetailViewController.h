@@ -7,12 +7,11 @@ class QPushButton;
 
 namespace quillery {
 
-class ImageDetailViewControllerDelegate;
 class ZoomableImageView;
 
 // The picture panel shown as a column beside the column of a picture note: the picture in a
 // zoomable, scrolling view, fitted to the panel when it opens, and a Done button (or Escape) that
-// tells the delegate. The panel never dismisses itself.
+// signals finished(). The panel never closes itself.
 class ImageDetailViewController : public QWidget {
     Q_OBJECT
 
@@ -23,12 +22,10 @@ public:
     const QImage& image() const;
     void setImage(QImage image);
 
-    ImageDetailViewControllerDelegate* delegate() const { return m_delegate; }
-    void setDelegate(ImageDetailViewControllerDelegate* delegate) { m_delegate = delegate; }
-
     ZoomableImageView* imageView() const { return m_imageView; }
 
-    void didTapDone();
+signals:
+    void finished();
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -37,7 +34,6 @@ protected:
 private:
     ZoomableImageView* m_imageView;
     QPushButton* m_doneButton;
-    ImageDetailViewControllerDelegate* m_delegate = nullptr;
 };
 
 } // namespace quillery

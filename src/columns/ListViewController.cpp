@@ -3,7 +3,6 @@
 #include "columns/CustomTableView.h"
 #include "columns/EditNodeViewController.h"
 #include "columns/HighlightableButton.h"
-#include "columns/ListViewControllerDelegate.h"
 #include "columns/ListViewControllerPrivate.h"
 #include "columns/NodeRowDelegate.h"
 
@@ -99,14 +98,6 @@ int ListViewController::nodeDepth() const {
 void ListViewController::setNodeDepth(int depth) {
     d->nodeDepth = depth;
     d->noEntriesLabel->setText(depth > 0 ? tr("No sub-notes yet") : tr("No notes yet"));
-}
-
-ListViewControllerDelegate* ListViewController::delegate() const {
-    return d->delegate;
-}
-
-void ListViewController::setDelegate(ListViewControllerDelegate* delegate) {
-    d->delegate = delegate;
 }
 
 bool ListViewController::isColumnEnabled() const {
@@ -233,37 +224,6 @@ QLabel* ListViewController::noEntriesLabel() const {
 QSize ListViewController::sizeHint() const {
     const int line = fontMetrics().height();
     return {line * 22, line * 30};
-}
-
-void ListViewController::editNodeViewControllerDidUpdateText(EditNodeViewController& editor,
-                                                             const std::string& text,
-                                                             const NodePtr& node) {
-    const NodePtr represented = d->model->representedNode();
-    if (!represented)
-        return;
-    if (d->temporaryNode && node == d->temporaryNode) {
-        const NodePtr newNode = d->temporaryNode;
-        newNode->setText(text);
-        const std::size_t index = d->removeTemporaryNode();
-        // Recorded whatever its text, an empty one too; the row comes back with the update.
-        if (d->document)
-            d->document->userDidAdd(*newNode, *represented, static_cast<long>(index));
-        QTimer::singleShot(0, this, [this, row = static_cast<int>(index)] { selectRow(row); });
-    } else if (d->document && node) {
-        d->document->userDidModify(*node, text);
-    }
-    d->updateUI();
-    if (d->delegate)
-        d->delegate->listViewControllerWantsToDismissViewController(*this, &editor);
-}
-
-void ListViewController::editNodeViewControllerDidCancelEditing(EditNodeViewController& editor,
-                                                                const NodePtr& node) {
-    if (d->temporaryNode && node == d->temporaryNode && d->model->representedNode())
-        d->removeTemporaryNode();
-    d->updateUI();
-    if (d->delegate)
-        d->delegate->listViewControllerWantsToDismissViewController(*this, &editor);
 }
 
 bool ListViewController::event(QEvent* event) {

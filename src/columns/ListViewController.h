@@ -1,6 +1,6 @@
 #pragma once
 
-#include "columns/EditNodeViewControllerDelegate.h"
+#include "columns/EditNodeViewController.h"
 #include "model/NotebookNode.h"
 
 #include <QWidget>
@@ -11,9 +11,7 @@ namespace quillery {
 
 class CustomTableView;
 class Document;
-class EditNodeViewController;
 class HighlightableButton;
-class ListViewControllerDelegate;
 struct ColumnPrompts;
 
 // One column: the children of one note as a list, the "No sub-notes yet" label and the add
@@ -22,7 +20,7 @@ struct ColumnPrompts;
 //
 // The column observes the document from construction until it is destroyed; the document must
 // outlive it.
-class ListViewController : public QWidget, public EditNodeViewControllerDelegate {
+class ListViewController : public QWidget {
     Q_OBJECT
 
 public:
@@ -35,8 +33,6 @@ public:
     void setRepresentedNode(NodePtr node);
     int nodeDepth() const;
     void setNodeDepth(int depth);
-    ListViewControllerDelegate* delegate() const;
-    void setDelegate(ListViewControllerDelegate* delegate);
     // False while the navigation shows the editor: the list and button are disabled and the
     // unselected rows drawn dimmed.
     bool isColumnEnabled() const;
@@ -60,7 +56,7 @@ public:
     bool paste();
 
     // The selected row (-1 for none) and its note; selecting runs the selection handling, so
-    // the delegate hears of it.
+    // noteSelected() is emitted.
     int selectedRow() const;
     NodePtr selectedNode() const;
     void selectRow(int row);
@@ -76,10 +72,20 @@ public:
 
     QSize sizeHint() const override;
 
-    void editNodeViewControllerDidUpdateText(EditNodeViewController& editor,
-                                             const std::string& text, const NodePtr& node) override;
-    void editNodeViewControllerDidCancelEditing(EditNodeViewController& editor,
-                                                const NodePtr& node) override;
+signals:
+    // The selected note changed, to this one, or to none.
+    void noteSelected(const NodePtr& note);
+    void selectionCleared();
+    // Space on a selected picture note.
+    void picturePreviewRequested(const NodePtr& note);
+    // Left and Right: the keyboard focus should go to the neighbouring column.
+    void focusLeftRequested();
+    void focusRightRequested();
+    // The note editor to show as the column right of this one. It is parented to the column and
+    // hidden; the receiver takes it over.
+    void editorRequested(EditNodeViewController* editor);
+    // The editor's change is recorded (or the new note thrown away): the editor can go.
+    void editorDone();
 
 protected:
     bool event(QEvent* event) override;

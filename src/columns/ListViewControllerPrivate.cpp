@@ -3,7 +3,6 @@
 #include "columns/CustomTableView.h"
 #include "columns/EditNodeViewController.h"
 #include "columns/HighlightableButton.h"
-#include "columns/ListViewControllerDelegate.h"
 #include "columns/NodeRowDelegate.h"
 
 #include <QLabel>
@@ -33,12 +32,10 @@ void ListViewController::Private::selectionDidChange() {
     if (selectionHandlingSuspended)
         return;
     const int row = tableView->selectedRow();
-    if (isValidRow(row)) {
-        if (delegate)
-            delegate->listViewControllerDidSelectNode(*q, model->nodeAt(row));
-    } else if (delegate) {
-        delegate->listViewControllerDidClearSelectedNode(*q);
-    }
+    if (isValidRow(row))
+        emit q->noteSelected(model->nodeAt(row));
+    else
+        emit q->selectionCleared();
     tableView->viewport()->update();
 }
 
@@ -68,12 +65,10 @@ bool ListViewController::Private::perform(ColumnCommand command) {
         q->didTapEditNode();
         break;
     case ColumnCommand::MoveLeft:
-        if (delegate)
-            delegate->listViewControllerDidTapMoveLeft(*q);
+        emit q->focusLeftRequested();
         break;
     case ColumnCommand::MoveRight:
-        if (delegate)
-            delegate->listViewControllerDidTapMoveRight(*q);
+        emit q->focusRightRequested();
         break;
     case ColumnCommand::MoveUp:
         moveUp();
@@ -93,8 +88,8 @@ bool ListViewController::Private::perform(ColumnCommand command) {
 // Text notes have nothing to show; Space on them is swallowed like other typing.
 void ListViewController::Private::quickLookSelectedNode() {
     const NodePtr node = q->selectedNode();
-    if (node && node->imageIdentifier() && delegate)
-        delegate->listViewControllerDidDoubleClickNode(*q, node);
+    if (node && node->imageIdentifier())
+        emit q->picturePreviewRequested(node);
 }
 
 void ListViewController::Private::moveUp() {
@@ -170,9 +165,38 @@ void ListViewController::Private::showEditNode(const NodePtr& node) {
     auto* editor = new EditNodeViewController(q);
     editor->hide();
     editor->setRepresentedNode(node);
-    editor->setDelegate(q);
-    if (delegate)
-        delegate->listViewControllerWantsToPresentViewController(*q, editor);
+    QObject::connect(
+        editor, &EditNodeViewController::finished, q,
+        [this](const NodePtr& edited, const std::string& text) { editorFinished(edited, text); });
+    QObject::connect(editor, &EditNodeViewController::cancelled, q,
+                     [this](const NodePtr& edited) { editorCancelled(edited); });
+    emit q->editorRequested(editor);
+}
+
+void ListViewController::Private::editorFinished(const NodePtr& node, const std::string& text) {
+    const NodePtr represented = model->representedNode();
+    if (!represented)
+        return;
+    if (temporaryNode && node == temporaryNode) {
+        const NodePtr newNode = temporaryNode;
+        newNode->setText(text);
+        const std::size_t index = removeTemporaryNode();
+        // Recorded whatever its text, an empty one too; the row comes back with the update.
+        if (document)
+            document->userDidAdd(*newNode, *represented, static_cast<long>(index));
+        QTimer::singleShot(0, q, [this, row = static_cast<int>(index)] { q->selectRow(row); });
+    } else if (document && node) {
+        document->userDidModify(*node, text);
+    }
+    updateUI();
+    emit q->editorDone();
+}
+
+void ListViewController::Private::editorCancelled(const NodePtr& node) {
+    if (temporaryNode && node == temporaryNode && model->representedNode())
+        removeTemporaryNode();
+    updateUI();
+    emit q->editorDone();
 }
 
 void ListViewController::Private::scrollIntoView() {

@@ -16,7 +16,6 @@ namespace quillery {
 
 class CustomTableView;
 class HighlightableButton;
-class ListViewControllerDelegate;
 class NodeRowDelegate;
 
 // The state of one column and the steps behind its commands.
@@ -36,6 +35,8 @@ public:
     void deleteSelectedNode();
     void addNewNodeAtIndex(std::size_t index);
     void showEditNode(const NodePtr& node);
+    void editorFinished(const NodePtr& node, const std::string& text);
+    void editorCancelled(const NodePtr& node);
     // Takes the new note out of the children (and its row out of the list) again.
     std::size_t removeTemporaryNode();
     void scrollIntoView();
@@ -48,7 +49,6 @@ public:
     QLabel* noEntriesLabel;
     HighlightableButton* addNodeButton;
     std::unique_ptr<ColumnUpdater> updater;
-    ListViewControllerDelegate* delegate = nullptr;
     ColumnPrompts prompts = ColumnPrompts::standard();
     int nodeDepth = 0;
     bool enabled = true;

@@ -23,11 +23,11 @@ MyHorizontalScrollViewController::MyHorizontalScrollViewController(Document* doc
     setWidgetResizable(true);
     m_splitViewController->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Ignored);
     setWidget(m_splitViewController);
-    m_splitViewController->setDelegate(this);
+    connect(m_splitViewController, &MySplitViewController::scrollRequested, this,
+            &MyHorizontalScrollViewController::scrollTo);
 }
 
-void MyHorizontalScrollViewController::mySplitViewControllerWantsToScrollToRect(
-    MySplitViewController&, const QRect& rect) {
+void MyHorizontalScrollViewController::scrollTo(const QRect& rect) {
     // Items added on this turn widen the row only once its layout request is handled; the
     // scroll range must include them first.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);

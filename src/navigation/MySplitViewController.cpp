@@ -4,7 +4,6 @@
 #include "columns/ListViewController.h"
 #include "columns/QtPicture.h"
 #include "document/Document.h"
-#include "navigation/MySplitViewControllerDelegate.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -126,13 +125,7 @@ int MySplitViewController::panelWidth() const {
     return qRound(fontInfo().pixelSize() * kPanelWidthEm);
 }
 
-void MySplitViewController::listViewControllerDidSelectNode(ListViewController& column,
-                                                            const NodePtr& node) {
-    m_slots.select(column.nodeDepth(), node);
-}
-
-void MySplitViewController::listViewControllerDidDoubleClickNode(ListViewController& column,
-                                                                 const NodePtr& node) {
+void MySplitViewController::showPicture(const ListViewController& column, const NodePtr& node) {
     if (!m_document || !node || !node->imageIdentifier()) {
         return;
     }
@@ -143,39 +136,13 @@ void MySplitViewController::listViewControllerDidDoubleClickNode(ListViewControl
     auto* imagePanel = new ImageDetailViewController;
     imagePanel->setObjectName(QStringLiteral("ImageDetailViewController"));
     imagePanel->setImage(QtPicture::imageOf(picture));
-    imagePanel->setDelegate(this);
+    connect(imagePanel, &ImageDetailViewController::finished, this,
+            &MySplitViewController::dismissModalViewController);
     present(imagePanel, column.nodeDepth() + 1);
     // Escape and the zoom keys should work without a click on the picture first.
     if (panel() == imagePanel) {
         imagePanel->setFocus(Qt::OtherFocusReason);
     }
-}
-
-void MySplitViewController::listViewControllerDidClearSelectedNode(ListViewController& column) {
-    m_slots.clearSelection(column.nodeDepth());
-}
-
-void MySplitViewController::listViewControllerDidTapMoveLeft(ListViewController& column) {
-    m_slots.moveLeft(column.nodeDepth());
-}
-
-void MySplitViewController::listViewControllerDidTapMoveRight(ListViewController& column) {
-    m_slots.moveRight(column.nodeDepth());
-}
-
-void MySplitViewController::listViewControllerWantsToPresentViewController(
-    ListViewController& column, QWidget* panel) {
-    present(panel, column.nodeDepth() + 1);
-}
-
-// The panel passed is not compared with the one shown: there is only ever one.
-void MySplitViewController::listViewControllerWantsToDismissViewController(ListViewController&,
-                                                                           QWidget*) {
-    dismissModalViewController();
-}
-
-void MySplitViewController::imageDetailViewControllerDidTapDone(ImageDetailViewController&) {
-    dismissModalViewController();
 }
 
 void MySplitViewController::showEvent(QShowEvent* event) {
@@ -205,7 +172,20 @@ QWidget* MySplitViewController::makeColumn(const NodePtr& node, int depth) {
     column->setAccessibleName(columnName(node, depth));
     column->setRepresentedNode(node);
     column->setNodeDepth(depth);
-    column->setDelegate(this);
+    connect(column, &ListViewController::noteSelected, this,
+            [this, column](const NodePtr& note) { m_slots.select(column->nodeDepth(), note); });
+    connect(column, &ListViewController::selectionCleared, this,
+            [this, column] { m_slots.clearSelection(column->nodeDepth()); });
+    connect(column, &ListViewController::focusLeftRequested, this,
+            [this, column] { m_slots.moveLeft(column->nodeDepth()); });
+    connect(column, &ListViewController::focusRightRequested, this,
+            [this, column] { m_slots.moveRight(column->nodeDepth()); });
+    connect(column, &ListViewController::picturePreviewRequested, this,
+            [this, column](const NodePtr& note) { showPicture(*column, note); });
+    connect(column, &ListViewController::editorRequested, this,
+            [this, column](QWidget* editor) { present(editor, column->nodeDepth() + 1); });
+    connect(column, &ListViewController::editorDone, this,
+            &MySplitViewController::dismissModalViewController);
     column->hide();
     return column;
 }
@@ -243,13 +223,10 @@ void MySplitViewController::focusColumn(QWidget* const& item) {
 }
 
 void MySplitViewController::scrollToItem(QWidget* const& item) {
-    if (!m_delegate) {
-        return;
-    }
     // The geometry must reflect the items added on this turn.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     m_layout->activate();
-    m_delegate->mySplitViewControllerWantsToScrollToRect(*this, item->geometry());
+    emit scrollRequested(item->geometry());
 }
 
 void MySplitViewController::later(std::function<void()> step) {

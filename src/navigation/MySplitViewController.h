@@ -1,7 +1,5 @@
 #pragma once
 
-#include "columns/ImageDetailViewControllerDelegate.h"
-#include "columns/ListViewControllerDelegate.h"
 #include "navigation/ColumnSlots.h"
 
 #include <QPointer>
@@ -13,17 +11,13 @@ namespace quillery {
 
 class Document;
 class ListViewController;
-class MySplitViewControllerDelegate;
 
 // The row of columns, one per level of the opened path, with at most one panel (the note editor
 // or the picture panel) as an extra column at the right. The rules live in ColumnSlots; this
 // widget lays the items out side by side at fixed widths, so the row grows to the right and its
-// host scrolls it sideways. It is the delegate of every column and of the picture panel, and owns
-// them all, also those put aside while a panel is shown.
-class MySplitViewController : public QWidget,
-                              public ListViewControllerDelegate,
-                              public ImageDetailViewControllerDelegate,
-                              private ColumnSlots<QWidget*>::Host {
+// host scrolls it sideways. It follows the signals of every column and of the picture panel, and
+// owns them all, also those put aside while a panel is shown.
+class MySplitViewController : public QWidget, private ColumnSlots<QWidget*>::Host {
     Q_OBJECT
 
 public:
@@ -34,9 +28,6 @@ public:
     Document* document() const { return m_document; }
     NodePtr rootNode() const;
     bool loadedRootNode() const { return m_slots.loadedRootNode(); }
-
-    MySplitViewControllerDelegate* delegate() const { return m_delegate; }
-    void setDelegate(MySplitViewControllerDelegate* delegate) { m_delegate = delegate; }
 
     // The items of the row, left to right: columns, and the panel last while one is shown.
     const std::vector<QWidget*>& items() const { return m_slots.items(); }
@@ -57,21 +48,11 @@ public:
     int columnWidth() const;
     int panelWidth() const;
 
-    void listViewControllerDidSelectNode(ListViewController& column, const NodePtr& node) override;
-    void listViewControllerDidDoubleClickNode(ListViewController& column,
-                                              const NodePtr& node) override;
-    void listViewControllerDidClearSelectedNode(ListViewController& column) override;
-    void listViewControllerDidTapMoveLeft(ListViewController& column) override;
-    void listViewControllerDidTapMoveRight(ListViewController& column) override;
-    void listViewControllerWantsToPresentViewController(ListViewController& column,
-                                                        QWidget* panel) override;
-    void listViewControllerWantsToDismissViewController(ListViewController& column,
-                                                        QWidget* panel) override;
-    void imageDetailViewControllerDidTapDone(ImageDetailViewController& panel) override;
-
 signals:
     // A panel appeared or went away; menus that act on columns follow it.
     void panelShownChanged(bool shown);
+    // The rectangle of the row (an item just shown or focused) should be brought into view.
+    void scrollRequested(const QRect& rect);
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -88,11 +69,12 @@ private:
     void scrollToItem(QWidget* const& item) override;
     void later(std::function<void()> step) override;
 
+    // The picture panel for the picture note, beside the column.
+    void showPicture(const ListViewController& column, const NodePtr& node);
     void applyWidths();
     void noteFocus(QWidget* now);
 
     Document* m_document;
-    MySplitViewControllerDelegate* m_delegate = nullptr;
     QHBoxLayout* m_layout;
     ColumnSlots<QWidget*> m_slots;
     QPointer<ListViewController> m_lastActiveColumn;

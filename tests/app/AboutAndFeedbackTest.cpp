@@ -52,7 +52,7 @@ class AppDelegateActions : public ::testing::Test {
 protected:
     AppDelegateActions() {
         delegate.setUrlOpener(opened.opener());
-        delegate.setNewDocumentHandler([this] { ++newDocuments; });
+        QObject::connect(&delegate, &AppDelegate::newNotebookRequested, [this] { ++newDocuments; });
     }
 
     OpenedUrls opened;

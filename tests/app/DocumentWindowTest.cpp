@@ -85,7 +85,7 @@ TEST_F(DocumentWindowTest, TheNoteMenuActsOnTheFocusedColumn) {
 TEST_F(DocumentWindowTest, AddNoteWithNoColumnMakesANewNotebookLikeTheAppCommand) {
     AppDelegate app;
     int newDocuments = 0;
-    app.setNewDocumentHandler([&] { ++newDocuments; });
+    QObject::connect(&app, &AppDelegate::newNotebookRequested, [&] { ++newDocuments; });
     controller.setAppDelegate(&app);
     // Never shown, so no column has been loaded to take the note.
     DocumentWindow window(controller, std::make_unique<Document>(preferences, &codec),

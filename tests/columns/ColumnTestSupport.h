@@ -5,7 +5,6 @@
 #include "columns/EditNodeViewController.h"
 #include "columns/HighlightableButton.h"
 #include "columns/ListViewController.h"
-#include "columns/ListViewControllerDelegate.h"
 #include "columns/QtPicture.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
@@ -42,25 +41,26 @@ private:
 };
 
 // Stands in for the navigation: records what the column asked for and owns presented panels.
-class RecordingColumnDelegate : public ListViewControllerDelegate {
+class RecordingColumnDelegate {
 public:
-    void listViewControllerDidSelectNode(ListViewController&, const NodePtr& node) override {
-        selected.push_back(node);
-    }
-    void listViewControllerDidDoubleClickNode(ListViewController&, const NodePtr& node) override {
-        quickLooked.push_back(node);
-    }
-    void listViewControllerDidClearSelectedNode(ListViewController&) override { ++cleared; }
-    void listViewControllerDidTapMoveLeft(ListViewController&) override { ++movedLeft; }
-    void listViewControllerDidTapMoveRight(ListViewController&) override { ++movedRight; }
-    void listViewControllerWantsToPresentViewController(ListViewController&,
-                                                        QWidget* panel) override {
-        editor.reset(qobject_cast<EditNodeViewController*>(panel));
-        editor->setParent(nullptr);
-    }
-    void listViewControllerWantsToDismissViewController(ListViewController&, QWidget*) override {
-        ++dismissed;
-        editor.release()->deleteLater();
+    void listen(ListViewController& column) {
+        QObject::connect(&column, &ListViewController::noteSelected,
+                         [this](const NodePtr& node) { selected.push_back(node); });
+        QObject::connect(&column, &ListViewController::picturePreviewRequested,
+                         [this](const NodePtr& node) { quickLooked.push_back(node); });
+        QObject::connect(&column, &ListViewController::selectionCleared, [this] { ++cleared; });
+        QObject::connect(&column, &ListViewController::focusLeftRequested, [this] { ++movedLeft; });
+        QObject::connect(&column, &ListViewController::focusRightRequested,
+                         [this] { ++movedRight; });
+        QObject::connect(&column, &ListViewController::editorRequested,
+                         [this](EditNodeViewController* panel) {
+                             editor.reset(panel);
+                             editor->setParent(nullptr);
+                         });
+        QObject::connect(&column, &ListViewController::editorDone, [this] {
+            ++dismissed;
+            editor.release()->deleteLater();
+        });
     }
 
     std::vector<NodePtr> selected;
@@ -99,7 +99,7 @@ protected:
         auto made = std::make_unique<ListViewController>(&document);
         made->setRepresentedNode(node);
         made->setNodeDepth(depth);
-        made->setDelegate(&navigation);
+        navigation.listen(*made);
         made->setPrompts(prompts());
         made->resize(320, 480);
         return made;

@@ -1,7 +1,6 @@
 #include "columns/EditNodeViewController.h"
 
 #include "QtPrinters.h"
-#include "columns/EditNodeViewControllerDelegate.h"
 #include "markdown/Styles.h"
 
 #include <QAction>
@@ -15,16 +14,16 @@
 namespace quillery {
 namespace {
 
-class RecordingEditorDelegate : public EditNodeViewControllerDelegate {
+class RecordingEditorDelegate {
 public:
-    void editNodeViewControllerDidUpdateText(EditNodeViewController&, const std::string& text,
-                                             const NodePtr& node) override {
-        doneTexts.push_back(text);
-        doneNode = node;
-    }
-    void editNodeViewControllerDidCancelEditing(EditNodeViewController&,
-                                                const NodePtr& node) override {
-        cancelledNode = node;
+    void listen(EditNodeViewController& editor) {
+        QObject::connect(&editor, &EditNodeViewController::finished,
+                         [this](const NodePtr& node, const std::string& text) {
+                             doneTexts.push_back(text);
+                             doneNode = node;
+                         });
+        QObject::connect(&editor, &EditNodeViewController::cancelled,
+                         [this](const NodePtr& node) { cancelledNode = node; });
     }
     std::vector<std::string> doneTexts;
     NodePtr doneNode;
@@ -35,7 +34,7 @@ class NoteEditor : public ::testing::Test {
 protected:
     void SetUp() override {
         editor.setRepresentedNode(note);
-        editor.setDelegate(&delegate);
+        delegate.listen(editor);
         editor.show();
         editor.activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&editor));

@@ -31,12 +31,12 @@ protected:
 
 TEST_F(MyHorizontalScrollViewControllerTest, ARequestForTheFirstColumnScrollsToTheLeftEnd) {
     host.horizontalScrollBar()->setValue(host.horizontalScrollBar()->maximum());
-    host.mySplitViewControllerWantsToScrollToRect(split, split.items()[0]->geometry());
+    host.scrollTo(split.items()[0]->geometry());
     EXPECT_EQ(host.horizontalScrollBar()->value(), 0);
 }
 
 TEST_F(MyHorizontalScrollViewControllerTest, ARequestPutsTheColumnAtTheLeftEdge) {
-    host.mySplitViewControllerWantsToScrollToRect(split, split.items()[1]->geometry());
+    host.scrollTo(split.items()[1]->geometry());
     EXPECT_EQ(host.horizontalScrollBar()->value(), split.items()[1]->x());
 }
 
@@ -45,7 +45,7 @@ TEST_F(MyHorizontalScrollViewControllerTest, ARequestForTheLastColumnStopsAtTheR
     ASSERT_GT(bar->maximum(), 0);
     QWidget* last = split.items().back();
 
-    host.mySplitViewControllerWantsToScrollToRect(split, last->geometry());
+    host.scrollTo(last->geometry());
 
     EXPECT_EQ(bar->value(), bar->maximum());
     EXPECT_LT(bar->value(), last->x());
@@ -57,7 +57,7 @@ TEST_F(MyHorizontalScrollViewControllerTest, AColumnAddedOnThisTurnCanBeScrolled
     split.column(0)->selectRow(0);
     split.column(1)->selectRow(1);
     split.column(2)->selectRow(0);
-    host.mySplitViewControllerWantsToScrollToRect(split, split.items()[2]->geometry());
+    host.scrollTo(split.items()[2]->geometry());
     EXPECT_EQ(host.horizontalScrollBar()->value(), split.items()[2]->x());
 }
 

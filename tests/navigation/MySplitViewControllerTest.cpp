@@ -6,7 +6,6 @@
 #include "columns/ListViewController.h"
 #include "columns/QtPicture.h"
 #include "navigation/MyHorizontalScrollViewController.h"
-#include "navigation/MySplitViewControllerDelegate.h"
 #include "navigation/NavigationFixture.h"
 
 #include <QApplication>
@@ -16,11 +15,11 @@
 namespace quillery {
 namespace {
 
-class RecordingScrollDelegate : public MySplitViewControllerDelegate {
+class RecordingScrollDelegate {
 public:
-    void mySplitViewControllerWantsToScrollToRect(MySplitViewController&,
-                                                  const QRect& rect) override {
-        requests.push_back(rect);
+    explicit RecordingScrollDelegate(MySplitViewController& split) {
+        QObject::connect(&split, &MySplitViewController::scrollRequested,
+                         [this](const QRect& rect) { requests.push_back(rect); });
     }
     std::vector<QRect> requests;
 };
@@ -110,11 +109,11 @@ TEST_F(MySplitViewControllerTest, ArrowsMoveTheFocusToTheNeighbouringColumn) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&host));
     openFourColumns();
 
-    split.listViewControllerDidTapMoveRight(column(1));
+    emit column(1).focusRightRequested();
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return column(2).isAncestorOf(QApplication::focusWidget()); }));
 
-    split.listViewControllerDidTapMoveLeft(column(2));
+    emit column(2).focusLeftRequested();
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return column(1).isAncestorOf(QApplication::focusWidget()); }));
     EXPECT_EQ(split.activeColumn(), &column(1));
@@ -122,8 +121,7 @@ TEST_F(MySplitViewControllerTest, ArrowsMoveTheFocusToTheNeighbouringColumn) {
 
 TEST_F(MySplitViewControllerTest, APanelPutsAsideTheColumnsRightOfItAndDisablesThoseLeft) {
     openFourColumns();
-    RecordingScrollDelegate scrolls;
-    split.setDelegate(&scrolls);
+    RecordingScrollDelegate scrolls(split);
     QPointer<QWidget> third = split.items()[2];
     QPointer<QWidget> fourth = split.items()[3];
     auto* panel = new QWidget;
@@ -142,7 +140,6 @@ TEST_F(MySplitViewControllerTest, APanelPutsAsideTheColumnsRightOfItAndDisablesT
     EXPECT_EQ(split.activeColumn(), nullptr);
     EXPECT_TRUE(QTest::qWaitFor([&] { return scrolls.requests.size() == 1u; }));
     EXPECT_EQ(scrolls.requests[0], panel->geometry());
-    split.setDelegate(&host);
 }
 
 TEST_F(MySplitViewControllerTest, DismissingRestoresTheColumnsAndFocusesTheOpener) {
@@ -152,10 +149,9 @@ TEST_F(MySplitViewControllerTest, DismissingRestoresTheColumnsAndFocusesTheOpene
     const std::vector<QWidget*> before = split.items();
     QPointer<QWidget> panel = new QWidget;
     split.present(panel, 2);
-    RecordingScrollDelegate scrolls;
-    split.setDelegate(&scrolls);
+    RecordingScrollDelegate scrolls(split);
 
-    split.listViewControllerWantsToDismissViewController(column(1), panel);
+    emit column(1).editorDone();
 
     EXPECT_EQ(split.items(), before);
     EXPECT_EQ(split.panel(), nullptr);
@@ -167,7 +163,6 @@ TEST_F(MySplitViewControllerTest, DismissingRestoresTheColumnsAndFocusesTheOpene
         QTest::qWaitFor([&] { return column(1).isAncestorOf(QApplication::focusWidget()); }));
     ASSERT_EQ(scrolls.requests.size(), 1u);
     EXPECT_EQ(scrolls.requests[0], column(1).geometry());
-    split.setDelegate(&host);
 }
 
 // The real editor, opened by a column's Edit command and closed by its Cancel.
@@ -210,17 +205,17 @@ TEST_F(MySplitViewControllerTest, DoubleClickingAPictureNoteOpensThePicturePanel
     document.add(*picture, *document.rootNode(), -1);
     const NodePtr added = document.rootNode()->children().back();
 
-    split.listViewControllerDidDoubleClickNode(column(0), a);
+    emit column(0).picturePreviewRequested(a);
     EXPECT_EQ(split.panel(), nullptr);
 
-    split.listViewControllerDidDoubleClickNode(column(0), added);
+    emit column(0).picturePreviewRequested(added);
     auto* panel = qobject_cast<ImageDetailViewController*>(split.panel());
     ASSERT_NE(panel, nullptr);
     EXPECT_EQ(panel->image().size(), image.size());
     // Focused at once, so Escape closes it without a click first.
     EXPECT_TRUE(QTest::qWaitFor([&] { return panel->isAncestorOf(QApplication::focusWidget()); }));
 
-    panel->didTapDone();
+    emit panel->finished();
     EXPECT_EQ(split.panel(), nullptr);
 }
 
