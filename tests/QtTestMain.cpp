@@ -1,13 +1,35 @@
+#include "OpenedUrls.h"
+
 #include <QApplication>
+#include <QDesktopServices>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+namespace quillery::testing {
+
+std::vector<QUrl>& openedUrls() {
+    static std::vector<QUrl> urls;
+    return urls;
+}
+
+namespace {
+
+class UrlRecorder : public QObject {
+    Q_OBJECT
+
+public slots:
+    void open(const QUrl& url) { openedUrls().push_back(url); }
+};
+
+} // namespace
+} // namespace quillery::testing
 
 // The widget tests' entry point: one QApplication for the whole run, on the "offscreen" platform.
 // Each run gets configuration, data and cache directories of its own, so the user's settings are
 // never touched and test programs that CTest runs side by side never see each other's settings or
 // recent files. Test discovery starts the program outside CTest's environment, so the platform is
-// set here too.
+// set here too. Addresses opened go to openedUrls().
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -18,6 +40,11 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("QuilleryTests"));
     QApplication::setApplicationName(QStringLiteral("QuilleryTests"));
+    quillery::testing::UrlRecorder desktop;
+    for (const char* scheme : {"file", "http", "https", "mailto"})
+        QDesktopServices::setUrlHandler(QString::fromLatin1(scheme), &desktop, "open");
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
+
+#include "QtTestMain.moc"

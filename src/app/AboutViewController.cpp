@@ -42,8 +42,7 @@ AboutViewController::AboutViewController(QWidget* parent)
     , m_siteLinkButton(
           makeLinkButton(this, AppInfo::siteUrl().toString(), QStringLiteral("siteLinkButton")))
     , m_socialLinkButton(makeLinkButton(this, QStringLiteral("@") + AppInfo::socialHandle(),
-                                        QStringLiteral("socialLinkButton")))
-    , m_urlOpener([](const QUrl& url) { return QDesktopServices::openUrl(url); }) {
+                                        QStringLiteral("socialLinkButton"))) {
     setObjectName(QStringLiteral("AboutViewController"));
     setWindowTitle(tr("About Quillery"));
 
@@ -85,16 +84,12 @@ AboutViewController::AboutViewController(QWidget* parent)
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
-void AboutViewController::setUrlOpener(UrlOpener opener) {
-    m_urlOpener = std::move(opener);
-}
-
 void AboutViewController::didTapSiteLink() {
-    m_urlOpener(AppInfo::siteUrl());
+    QDesktopServices::openUrl(AppInfo::siteUrl());
 }
 
 void AboutViewController::didTapSocialLink() {
-    m_urlOpener(AppInfo::socialUrl());
+    QDesktopServices::openUrl(AppInfo::socialUrl());
 }
 
 void AboutViewController::styleLinks() {

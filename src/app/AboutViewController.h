@@ -1,9 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <QUrl>
-
-#include <functional>
 
 class QLabel;
 class QPushButton;
@@ -16,11 +13,7 @@ class AboutViewController : public QDialog {
     Q_OBJECT
 
 public:
-    using UrlOpener = std::function<bool(const QUrl&)>;
-
     explicit AboutViewController(QWidget* parent = nullptr);
-
-    void setUrlOpener(UrlOpener opener);
 
     QLabel* versionLabel() const { return m_versionLabel; }
     QPushButton* siteLinkButton() const { return m_siteLinkButton; }
@@ -39,7 +32,6 @@ private:
     QLabel* m_versionLabel;
     QPushButton* m_siteLinkButton;
     QPushButton* m_socialLinkButton;
-    UrlOpener m_urlOpener;
 };
 
 } // namespace quillery

@@ -10,12 +10,7 @@
 namespace quillery {
 
 AppDelegate::AppDelegate(QObject* parent)
-    : QObject(parent)
-    , m_urlOpener([](const QUrl& url) { return QDesktopServices::openUrl(url); }) {
-}
-
-void AppDelegate::setUrlOpener(UrlOpener opener) {
-    m_urlOpener = std::move(opener);
+    : QObject(parent) {
 }
 
 ListViewController* AppDelegate::columnContaining(QWidget* widget) {
@@ -37,22 +32,21 @@ void AppDelegate::didTapAddNode() {
 
 // Whether a program took the address is not reported; there is nothing the user could do.
 void AppDelegate::showHelp() {
-    m_urlOpener(AppInfo::helpUrl());
+    QDesktopServices::openUrl(AppInfo::helpUrl());
 }
 
 void AppDelegate::didTapSendFeedback() {
-    m_urlOpener(QUrl(AppInfo::feedbackMailAddress(AppInfo::feedbackEmail(), AppInfo::version(),
-                                                  AppInfo::buildNumber())));
+    QDesktopServices::openUrl(QUrl(AppInfo::feedbackMailAddress(
+        AppInfo::feedbackEmail(), AppInfo::version(), AppInfo::buildNumber())));
 }
 
 void AppDelegate::didTapSendFeedbackViaSocialNetwork() {
-    m_urlOpener(AppInfo::socialUrl());
+    QDesktopServices::openUrl(AppInfo::socialUrl());
 }
 
 void AppDelegate::showAbout(QWidget* parent) {
     if (!m_about) {
         auto* about = new AboutViewController(parent);
-        about->setUrlOpener(m_urlOpener);
         about->setAttribute(Qt::WA_DeleteOnClose);
         connect(about, &QObject::destroyed, this, [this] { m_about = nullptr; });
         m_about = about;

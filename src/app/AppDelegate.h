@@ -1,9 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QUrl>
-
-#include <functional>
 
 class QWidget;
 
@@ -12,18 +9,12 @@ namespace quillery {
 class ListViewController;
 
 // The application's own menu commands: Help, Send Feedback, the social-network page, About, and
-// Add Note when no column takes it. It keeps no state beyond how to open addresses.
+// Add Note when no column takes it. Addresses open in the desktop's default programs.
 class AppDelegate : public QObject {
     Q_OBJECT
 
 public:
-    using UrlOpener = std::function<bool(const QUrl&)>;
-
     explicit AppDelegate(QObject* parent = nullptr);
-
-    // Opens addresses with the desktop's default programs unless told otherwise (tests).
-    void setUrlOpener(UrlOpener opener);
-    const UrlOpener& urlOpener() const { return m_urlOpener; }
 
     // Add Note: the column holding the keyboard focus adds a note; without one, a new notebook.
     void didTapAddNode();
@@ -41,7 +32,6 @@ signals:
     void newNotebookRequested();
 
 private:
-    UrlOpener m_urlOpener;
     QWidget* m_about = nullptr;
 };
 

@@ -1,6 +1,5 @@
 #include "columns/ColumnPrompts.h"
 
-#include <QDesktopServices>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -32,9 +31,7 @@ void reportMissingFile(QWidget* parent) {
 } // namespace
 
 ColumnPrompts ColumnPrompts::standard() {
-    return {askToDelete, reportMissingFile, [](const QUrl& url) {
-                QDesktopServices::openUrl(url);
-            }};
+    return {askToDelete, reportMissingFile};
 }
 
 } // namespace quillery

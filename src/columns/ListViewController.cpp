@@ -8,6 +8,7 @@
 
 #include <QBoxLayout>
 #include <QClipboard>
+#include <QDesktopServices>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
@@ -163,12 +164,10 @@ void ListViewController::didTapEditNode() {
         return;
     }
     const auto file = d->document ? d->document->url(*node->imageIdentifier()) : std::nullopt;
-    if (file) {
-        if (d->prompts.openUrl)
-            d->prompts.openUrl(QUrl::fromLocalFile(QString::fromStdString(file->string())));
-    } else if (d->prompts.reportMissingPicture) {
+    if (file)
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file->string())));
+    else if (d->prompts.reportMissingPicture)
         d->prompts.reportMissingPicture(this);
-    }
 }
 
 void ListViewController::didTapDeleteNode() {

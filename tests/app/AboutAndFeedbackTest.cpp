@@ -1,3 +1,4 @@
+#include "OpenedUrls.h"
 #include "QtPrinters.h"
 #include "app/AboutViewController.h"
 #include "app/AppDelegate.h"
@@ -36,26 +37,13 @@ TEST(VersionText, ShowsVersionAndBuild) {
               QStringLiteral("Version 2.0 (100)"));
 }
 
-// Records the addresses the shell asks the desktop to open.
-class OpenedUrls {
-public:
-    std::function<bool(const QUrl&)> opener() {
-        return [this](const QUrl& url) {
-            urls.push_back(url);
-            return true;
-        };
-    }
-    std::vector<QUrl> urls;
-};
-
 class AppDelegateActions : public ::testing::Test {
 protected:
     AppDelegateActions() {
-        delegate.setUrlOpener(opened.opener());
+        testing::openedUrls().clear();
         QObject::connect(&delegate, &AppDelegate::newNotebookRequested, [this] { ++newDocuments; });
     }
 
-    OpenedUrls opened;
     AppDelegate delegate;
     int newDocuments = 0;
 };
@@ -64,12 +52,13 @@ TEST_F(AppDelegateActions, EachActionOpensItsAddress) {
     delegate.showHelp();
     delegate.didTapSendFeedback();
     delegate.didTapSendFeedbackViaSocialNetwork();
-    ASSERT_EQ(opened.urls.size(), 3u);
-    EXPECT_EQ(opened.urls[0], AppInfo::helpUrl());
-    EXPECT_EQ(opened.urls[1].toString(QUrl::FullyEncoded),
+    const std::vector<QUrl>& urls = testing::openedUrls();
+    ASSERT_EQ(urls.size(), 3u);
+    EXPECT_EQ(urls[0], AppInfo::helpUrl());
+    EXPECT_EQ(urls[1].toString(QUrl::FullyEncoded),
               AppInfo::feedbackMailAddress(AppInfo::feedbackEmail(), AppInfo::version(),
                                            AppInfo::buildNumber()));
-    EXPECT_EQ(opened.urls[2], AppInfo::socialUrl());
+    EXPECT_EQ(urls[2], AppInfo::socialUrl());
 }
 
 TEST_F(AppDelegateActions, AddNoteWithoutAFocusedColumnMakesANewNotebook) {
@@ -99,13 +88,12 @@ TEST_F(AppDelegateActions, AddNoteWithAFocusedColumnIsTheColumns) {
 
 class AboutPanel : public ::testing::Test {
 protected:
-    AboutPanel() { panel.setUrlOpener(opened.opener()); }
+    AboutPanel() { testing::openedUrls().clear(); }
 
     static QColor textColour(const QPushButton& button) {
         return button.palette().color(QPalette::ButtonText);
     }
 
-    OpenedUrls opened;
     AboutViewController panel;
 };
 
@@ -139,7 +127,7 @@ TEST_F(AboutPanel, LinksFollowAPaletteChange) {
 TEST_F(AboutPanel, LinksOpenTheSiteAndTheSocialPage) {
     QTest::mouseClick(panel.siteLinkButton(), Qt::LeftButton);
     QTest::mouseClick(panel.socialLinkButton(), Qt::LeftButton);
-    EXPECT_EQ(opened.urls, (std::vector<QUrl>{AppInfo::siteUrl(), AppInfo::socialUrl()}));
+    EXPECT_EQ(testing::openedUrls(), (std::vector<QUrl>{AppInfo::siteUrl(), AppInfo::socialUrl()}));
 }
 
 } // namespace

@@ -124,9 +124,6 @@ protected:
         result.reportMissingPicture = [this](QWidget*) {
             ++missingPictureReports;
         };
-        result.openUrl = [this](const QUrl& url) {
-            openedUrls.push_back(url);
-        };
         return result;
     }
 
@@ -153,7 +150,6 @@ protected:
     bool confirmAnswer = true;
     int confirmations = 0;
     int missingPictureReports = 0;
-    std::vector<QUrl> openedUrls;
 };
 
 } // namespace quillery::testing

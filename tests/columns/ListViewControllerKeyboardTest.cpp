@@ -1,4 +1,5 @@
 #include "ColumnTestSupport.h"
+#include "OpenedUrls.h"
 #include "QtPrinters.h"
 
 #include <QAction>
@@ -160,7 +161,7 @@ TEST_F(ColumnKeyboardPictures, ReturnOnAPictureWithoutAFileReportsItMissing) {
     open(parent);
     press(Qt::Key_Return);
     EXPECT_EQ(missingPictureReports, 1);
-    EXPECT_TRUE(openedUrls.empty());
+    EXPECT_TRUE(openedUrls().empty());
     EXPECT_EQ(delegate.editor, nullptr);
 }
 
