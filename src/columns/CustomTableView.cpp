@@ -7,11 +7,14 @@
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QResizeEvent>
+#include <QWheelEvent>
+
+#include <cstdlib>
 
 namespace quillery {
 
 CustomTableView::CustomTableView(QWidget* parent)
-    : MyScrollView(parent) {
+    : QListView(parent) {
     setObjectName(QStringLiteral("tableView"));
     setSelectionMode(QAbstractItemView::SingleSelection);
     setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -70,15 +73,15 @@ void CustomTableView::keyPressEvent(QKeyEvent* event) {
         QKeyEvent arrow(QEvent::KeyPress,
                         command == ColumnCommand::MoveUp ? Qt::Key_Up : Qt::Key_Down,
                         Qt::NoModifier);
-        MyScrollView::keyPressEvent(&arrow);
+        QListView::keyPressEvent(&arrow);
         event->setAccepted(arrow.isAccepted());
         return;
     }
-    MyScrollView::keyPressEvent(event);
+    QListView::keyPressEvent(event);
 }
 
 void CustomTableView::resizeEvent(QResizeEvent* event) {
-    MyScrollView::resizeEvent(event);
+    QListView::resizeEvent(event);
     const int width = viewport()->width();
     if (width != m_lastWidth) {
         m_lastWidth = width;
@@ -86,8 +89,23 @@ void CustomTableView::resizeEvent(QResizeEvent* event) {
     }
 }
 
+bool CustomTableView::isSidewaysMotion(QPoint delta) {
+    return delta.x() != 0 && std::abs(delta.y()) < std::abs(delta.x());
+}
+
+void CustomTableView::wheelEvent(QWheelEvent* event) {
+    // Touchpads report pixel deltas; wheels only angle deltas.
+    const QPoint delta = event->pixelDelta().isNull() ? event->angleDelta() : event->pixelDelta();
+    if (isSidewaysMotion(delta)) {
+        // An ignored wheel event travels on to the parent widgets, up to the row's scroll area.
+        event->ignore();
+        return;
+    }
+    QListView::wheelEvent(event);
+}
+
 void CustomTableView::dragMoveEvent(QDragMoveEvent* event) {
-    MyScrollView::dragMoveEvent(event);
+    QListView::dragMoveEvent(event);
     const bool wasAccepted = m_dropAccepted;
     m_dropAccepted = event->isAccepted();
     if (m_dropAccepted)
@@ -98,7 +116,7 @@ void CustomTableView::dragMoveEvent(QDragMoveEvent* event) {
 
 void CustomTableView::dropEvent(QDropEvent* event) {
     chooseDropAction(event);
-    MyScrollView::dropEvent(event);
+    QListView::dropEvent(event);
 }
 
 void CustomTableView::chooseDropAction(QDropEvent* event) const {

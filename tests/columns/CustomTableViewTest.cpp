@@ -1,4 +1,4 @@
-#include "navigation/MyScrollView.h"
+#include "columns/CustomTableView.h"
 
 #include "QtPrinters.h"
 
@@ -25,7 +25,7 @@ struct Motion {
 class SidewaysMotion : public ::testing::TestWithParam<Motion> {};
 
 TEST_P(SidewaysMotion, IsMostlyHorizontalAndNotZero) {
-    EXPECT_EQ(MyScrollView::isSidewaysMotion(GetParam().delta), GetParam().sideways);
+    EXPECT_EQ(CustomTableView::isSidewaysMotion(GetParam().delta), GetParam().sideways);
 }
 
 INSTANTIATE_TEST_SUITE_P(Deltas, SidewaysMotion,
@@ -35,9 +35,9 @@ INSTANTIATE_TEST_SUITE_P(Deltas, SidewaysMotion,
 
 // Qt hands an ignored wheel event on to the parent widgets (up to the row's scroll area) only
 // when it came from the window system, so the list's own answer is what is tested here.
-class ExposedScrollView : public MyScrollView {
+class ExposedScrollView : public CustomTableView {
 public:
-    using MyScrollView::wheelEvent;
+    using CustomTableView::wheelEvent;
 };
 
 class WheelInColumnRow : public ::testing::Test {
