@@ -1,7 +1,7 @@
 // Opening a column costs what is on screen, not what is in the note: a column of 100,000 notes
 // must show its first screen within 3 times the time a column of 100 notes takes.
-#include "columns/CustomTableView.h"
-#include "columns/ListViewController.h"
+#include "columns/NoteColumn.h"
+#include "columns/NoteListView.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 
@@ -71,12 +71,12 @@ void BM_OpenColumn(benchmark::State& state) {
     for (auto _ : state) {
         QElapsedTimer timer;
         timer.start();
-        auto column = std::make_unique<ListViewController>(&document);
-        column->setNodeDepth(1);
+        auto column = std::make_unique<NoteColumn>(&document);
+        column->setDepth(1);
         column->setRepresentedNode(note);
         column->resize(320, 900);
         PaintWatcher watcher;
-        column->tableView()->viewport()->installEventFilter(&watcher);
+        column->listView()->viewport()->installEventFilter(&watcher);
         column->show();
         // Until the first screen of rows has been painted.
         while (watcher.paints == 0)
@@ -85,7 +85,7 @@ void BM_OpenColumn(benchmark::State& state) {
         state.SetIterationTime(seconds);
         figures()[count].totalSeconds += seconds;
         ++figures()[count].runs;
-        column->tableView()->viewport()->removeEventFilter(&watcher);
+        column->listView()->viewport()->removeEventFilter(&watcher);
         column.reset();
         QCoreApplication::processEvents();
     }

@@ -12,11 +12,11 @@
 #include "app/LiveMerge.h"
 #include "app/PackageWatcher.h"
 #include "app/QtPictureCodec.h"
-#include "columns/CustomTableView.h"
-#include "columns/ListViewController.h"
+#include "columns/NoteColumn.h"
+#include "columns/NoteListView.h"
 #include "document/Diagnostics.h"
 #include "document/InMemoryPreferences.h"
-#include "navigation/MySplitViewController.h"
+#include "navigation/ColumnRow.h"
 
 #include <QApplication>
 #include <QEventLoop>
@@ -70,8 +70,8 @@ struct App {
 // The window's first column has rows on screen.
 bool showsRows(DocumentWindow& window) {
     QApplication::processEvents();
-    ListViewController* column = window.splitViewController()->column(0);
-    return column && column->tableView()->model()->rowCount() > 0;
+    NoteColumn* column = window.columnRow()->column(0);
+    return column && column->listView()->model()->rowCount() > 0;
 }
 
 void BM_ColdOpen(benchmark::State& state) {

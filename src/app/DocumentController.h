@@ -17,7 +17,7 @@ class QWidget;
 namespace quillery {
 
 class Document;
-class AppDelegate;
+class AppCommands;
 class DocumentPrompts;
 class DocumentWindow;
 class PictureCodec;
@@ -68,8 +68,8 @@ public:
     // rest; a window closed while others stay open is gone for good.
     void windowWillClose(const DocumentWindow& window);
     // The Help menu's commands; without a delegate they are disabled. Set before any window.
-    AppDelegate* appDelegate() const { return m_appDelegate; }
-    void setAppDelegate(AppDelegate* delegate) { m_appDelegate = delegate; }
+    AppCommands* appCommands() const { return m_appCommands; }
+    void setAppCommands(AppCommands* delegate) { m_appCommands = delegate; }
 
     struct ReadResult {
         std::unique_ptr<Document> document;
@@ -91,7 +91,7 @@ private:
     RecentDocuments m_recentDocuments;
     SessionState m_session;
     bool m_quitting = false;
-    AppDelegate* m_appDelegate = nullptr;
+    AppCommands* m_appCommands = nullptr;
     std::vector<DocumentWindow*> m_windows;
     int m_untitledCount = 0;
 };

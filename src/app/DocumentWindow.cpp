@@ -1,6 +1,6 @@
 #include "app/DocumentWindow.h"
 
-#include "app/AppDelegate.h"
+#include "app/AppCommands.h"
 #include "app/DocumentController.h"
 #include "app/DocumentPrompts.h"
 #include "app/FindBar.h"
@@ -8,12 +8,12 @@
 #include "app/MessageBar.h"
 #include "app/NoteCommands.h"
 #include "app/RevealNote.h"
-#include "columns/EditNodeViewController.h"
-#include "columns/ListViewController.h"
+#include "columns/NoteColumn.h"
+#include "columns/NoteEditorPanel.h"
 #include "document/UndoManager.h"
+#include "navigation/ColumnRow.h"
 #include "navigation/ColumnRowState.h"
-#include "navigation/MyHorizontalScrollViewController.h"
-#include "navigation/MySplitViewController.h"
+#include "navigation/ColumnScrollArea.h"
 #include "storage/NotebookPackage.h"
 
 #include <QAction>
@@ -64,7 +64,7 @@ DocumentWindow::DocumentWindow(DocumentController& controller, std::unique_ptr<D
     showContent();
     startLiveMerge();
     // Room for three columns: the opened note, its children and theirs.
-    const int width = splitViewController()->columnWidth();
+    const int width = columnRow()->columnWidth();
     resize(width * 3 + 2, width * 9 / 4);
     updateTitle();
     updateActions();
@@ -81,8 +81,8 @@ DocumentWindow::~DocumentWindow() {
     detachDocument();
 }
 
-MySplitViewController* DocumentWindow::splitViewController() const {
-    return m_content->splitViewController();
+ColumnRow* DocumentWindow::columnRow() const {
+    return m_content->columnRow();
 }
 
 QString DocumentWindow::displayName() const {
@@ -153,7 +153,7 @@ void DocumentWindow::revert() {
     attachDocument();
     showContent();
     startLiveMerge();
-    splitViewController()->makeSplitViewFirstResponder(0);
+    columnRow()->focusColumn(0);
     where.restore(*m_content, *m_document);
     documentDidChange();
 }
@@ -178,8 +178,7 @@ void DocumentWindow::showEvent(QShowEvent* event) {
     if (!m_shownOnce) {
         m_shownOnce = true;
         // After the columns have appeared: the first column takes the keyboard.
-        QTimer::singleShot(0, this,
-                           [this] { splitViewController()->makeSplitViewFirstResponder(0); });
+        QTimer::singleShot(0, this, [this] { columnRow()->focusColumn(0); });
     }
 }
 
@@ -207,7 +206,7 @@ void DocumentWindow::connectActions() {
     // Only a focused column pastes; a text field with the focus takes Ctrl+V for itself before
     // the shortcut is considered, and the action is disabled while the note editor is open.
     connect(m_actions.paste, &QAction::triggered, this, [this] {
-        if (ListViewController* column = focusedColumn()) {
+        if (NoteColumn* column = focusedColumn()) {
             column->paste();
         }
     });
@@ -221,27 +220,27 @@ void DocumentWindow::connectActions() {
     connect(m_actions.addNote, &QAction::triggered, this, [this] {
         // With no column to take it, the app-level command's fallback applies: a new
         // notebook.
-        if (!sendToActiveColumn(&ListViewController::didTapAddNode)) {
-            if (AppDelegate* app = m_controller.appDelegate()) {
-                app->didTapAddNode();
+        if (!sendToActiveColumn(&NoteColumn::addNote)) {
+            if (AppCommands* app = m_controller.appCommands()) {
+                app->addNote();
             }
         }
     });
     connect(m_actions.addNoteBeneath, &QAction::triggered, this,
-            [this] { sendToActiveColumn(&ListViewController::didTapAddNodeBeneath); });
+            [this] { sendToActiveColumn(&NoteColumn::addNoteBeneath); });
     connect(m_actions.editNote, &QAction::triggered, this,
-            [this] { sendToActiveColumn(&ListViewController::didTapEditNode); });
+            [this] { sendToActiveColumn(&NoteColumn::editSelectedNote); });
     m_noteCommands = new NoteCommands(*this, m_actions);
-    AppDelegate* app = m_controller.appDelegate();
+    AppCommands* app = m_controller.appCommands();
     for (QAction* action : {m_actions.help, m_actions.sendFeedback, m_actions.followOnSocialNetwork,
                             m_actions.about}) {
         action->setEnabled(app != nullptr);
     }
     if (app) {
-        connect(m_actions.help, &QAction::triggered, app, &AppDelegate::showHelp);
-        connect(m_actions.sendFeedback, &QAction::triggered, app, &AppDelegate::didTapSendFeedback);
+        connect(m_actions.help, &QAction::triggered, app, &AppCommands::showHelp);
+        connect(m_actions.sendFeedback, &QAction::triggered, app, &AppCommands::sendFeedback);
         connect(m_actions.followOnSocialNetwork, &QAction::triggered, app,
-                &AppDelegate::didTapSendFeedbackViaSocialNetwork);
+                &AppCommands::followOnSocialNetwork);
         connect(m_actions.about, &QAction::triggered, app, [this, app] { app->showAbout(this); });
     }
 }
@@ -268,23 +267,21 @@ void DocumentWindow::showContent() {
     m_findBar = new FindBar(*m_document);
     m_contentLayout->insertWidget(0, m_findBar);
     connect(m_findBar, &FindBar::noteChosen, this,
-            [this](const NodePtr& note) { revealNote(*splitViewController(), *note); });
+            [this](const NodePtr& note) { revealNote(*columnRow(), *note); });
     showColumns();
 }
 
 void DocumentWindow::showColumns() {
-    m_content = new MyHorizontalScrollViewController(m_document.get());
+    m_content = new ColumnScrollArea(m_document.get());
     m_contentLayout->addWidget(m_content, 1);
     // In a window already on screen (after Revert) the columns appear at once.
     m_content->show();
-    connect(splitViewController(), &MySplitViewController::panelShownChanged, this,
-            &DocumentWindow::updateActions);
-    connect(splitViewController(), &MySplitViewController::panelShownChanged, this,
-            [this](bool shown) {
-                if (m_liveMerge) {
-                    m_liveMerge->setHeld(shown);
-                }
-            });
+    connect(columnRow(), &ColumnRow::panelShownChanged, this, &DocumentWindow::updateActions);
+    connect(columnRow(), &ColumnRow::panelShownChanged, this, [this](bool shown) {
+        if (m_liveMerge) {
+            m_liveMerge->setHeld(shown);
+        }
+    });
 }
 
 void DocumentWindow::rebuildContent() {
@@ -327,7 +324,7 @@ void DocumentWindow::updateTitle() {
 
 void DocumentWindow::updateActions() {
     // While a panel is open the columns are disabled, and the history must not move under it.
-    const bool browsing = splitViewController()->panel() == nullptr;
+    const bool browsing = columnRow()->panel() == nullptr;
     const bool canUndo = browsing && m_undoManager->canUndo();
     const bool canRedo = browsing && m_undoManager->canRedo();
     const QString undoName = QString::fromStdString(m_undoManager->undoActionName());
@@ -350,7 +347,7 @@ void DocumentWindow::updateActions() {
 }
 
 void DocumentWindow::updatePasteAction() {
-    ListViewController* column = focusedColumn();
+    NoteColumn* column = focusedColumn();
     m_actions.paste->setEnabled(column && column->canPaste());
 }
 
@@ -406,15 +403,15 @@ bool DocumentWindow::mayClose() {
 }
 
 void DocumentWindow::finishEditing() {
-    if (auto* editor = qobject_cast<EditNodeViewController*>(splitViewController()->panel())) {
-        editor->didTapDone();
+    if (auto* editor = qobject_cast<NoteEditorPanel*>(columnRow()->panel())) {
+        editor->finish();
     }
 }
 
 bool DocumentWindow::editorHoldsChange() const {
-    const auto* editor = qobject_cast<EditNodeViewController*>(splitViewController()->panel());
-    return editor && editor->representedNode() &&
-           editor->textView()->toPlainText().toStdString() != editor->representedNode()->text();
+    const auto* editor = qobject_cast<NoteEditorPanel*>(columnRow()->panel());
+    return editor && editor->note() &&
+           editor->textEdit()->toPlainText().toStdString() != editor->note()->text();
 }
 
 void DocumentWindow::fillRecentMenu() {
@@ -440,8 +437,8 @@ void DocumentWindow::fillRecentMenu() {
             [this] { m_controller.recentDocuments().clear(); });
 }
 
-bool DocumentWindow::sendToActiveColumn(void (ListViewController::*command)()) {
-    ListViewController* column = splitViewController()->activeColumn();
+bool DocumentWindow::sendToActiveColumn(void (NoteColumn::*command)()) {
+    NoteColumn* column = columnRow()->activeColumn();
     if (!column) {
         return false;
     }
@@ -449,12 +446,12 @@ bool DocumentWindow::sendToActiveColumn(void (ListViewController::*command)()) {
     return true;
 }
 
-ListViewController* DocumentWindow::focusedColumn() const {
+NoteColumn* DocumentWindow::focusedColumn() const {
     // No columns between taking them down and showing new ones (Revert, closing).
-    if (!m_content || splitViewController()->panel()) {
+    if (!m_content || columnRow()->panel()) {
         return nullptr;
     }
-    return AppDelegate::columnContaining(focusWidget());
+    return AppCommands::columnContaining(focusWidget());
 }
 
 } // namespace quillery

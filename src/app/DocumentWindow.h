@@ -15,11 +15,11 @@ namespace quillery {
 
 class DocumentController;
 class FindBar;
-class ListViewController;
+class NoteColumn;
 class LiveMerge;
 class MessageBar;
-class MyHorizontalScrollViewController;
-class MySplitViewController;
+class ColumnScrollArea;
+class ColumnRow;
 class NoteCommands;
 class UndoManager;
 
@@ -40,12 +40,12 @@ public:
     Document& document() const { return *m_document; }
     UndoManager& undoManager() const { return *m_undoManager; }
     const DocumentActions& actions() const { return m_actions; }
-    MyHorizontalScrollViewController* scrollViewController() const { return m_content; }
+    ColumnScrollArea* columnArea() const { return m_content; }
     MessageBar* messageBar() const { return m_messageBar; }
     // Keeps the open notebook in step with other writers of its package; null while the
     // notebook has no location.
     LiveMerge* liveMerge() const { return m_liveMerge.get(); }
-    MySplitViewController* splitViewController() const;
+    ColumnRow* columnRow() const;
     // The package's name without ".quillery", or the untitled name.
     QString displayName() const;
 
@@ -92,9 +92,9 @@ private:
     // The note editor is open with text that differs from its note's.
     bool editorHoldsChange() const;
     void fillRecentMenu();
-    bool sendToActiveColumn(void (ListViewController::*command)());
+    bool sendToActiveColumn(void (NoteColumn::*command)());
     // The column holding this window's keyboard focus; none while a panel is open.
-    ListViewController* focusedColumn() const;
+    NoteColumn* focusedColumn() const;
     void updatePasteAction();
 
     DocumentController& m_controller;
@@ -104,7 +104,7 @@ private:
     QString m_untitledName;
     QVBoxLayout* m_contentLayout = nullptr;
     MessageBar* m_messageBar = nullptr;
-    MyHorizontalScrollViewController* m_content = nullptr;
+    ColumnScrollArea* m_content = nullptr;
     FindBar* m_findBar = nullptr; // above the columns, in the central widget with them
     DocumentActions m_actions;
     std::unique_ptr<LiveMerge> m_liveMerge;

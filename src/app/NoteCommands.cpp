@@ -1,13 +1,13 @@
 #include "app/NoteCommands.h"
 
-#include "app/AppDelegate.h"
+#include "app/AppCommands.h"
 #include "app/DeletedNotesDialog.h"
 #include "app/DocumentActions.h"
 #include "app/DocumentWindow.h"
-#include "columns/CustomTableView.h"
-#include "columns/ListViewController.h"
+#include "columns/NoteColumn.h"
+#include "columns/NoteListView.h"
+#include "navigation/ColumnRow.h"
 #include "navigation/MoveSelectedNote.h"
-#include "navigation/MySplitViewController.h"
 
 #include <QAction>
 #include <QContextMenuEvent>
@@ -20,8 +20,8 @@ NoteCommands::NoteCommands(DocumentWindow& window, const DocumentActions& action
     , m_window(window)
     , m_actions(actions) {
     connect(actions.deleteNote, &QAction::triggered, this, [this] {
-        if (ListViewController* column = activeColumn())
-            column->didTapDeleteNode();
+        if (NoteColumn* column = activeColumn())
+            column->deleteSelectedNote();
     });
     const std::pair<QAction*, NoteMoveDirection> moves[] = {
         {actions.moveUp, NoteMoveDirection::Up},
@@ -31,8 +31,8 @@ NoteCommands::NoteCommands(DocumentWindow& window, const DocumentActions& action
     };
     for (const auto& [action, direction] : moves) {
         connect(action, &QAction::triggered, this, [this, direction] {
-            if (ListViewController* column = activeColumn())
-                moveSelectedNote(*m_window.splitViewController(), *column, direction);
+            if (NoteColumn* column = activeColumn())
+                moveSelectedNote(*m_window.columnRow(), *column, direction);
         });
     }
     connect(actions.deletedNotes, &QAction::triggered, this, &NoteCommands::showDeletedNotes);
@@ -71,13 +71,13 @@ bool NoteCommands::eventFilter(QObject* watched, QEvent* event) {
     QWidget* target = request->reason() == QContextMenuEvent::Keyboard
                           ? m_window.focusWidget()
                           : m_window.childAt(m_window.mapFromGlobal(request->globalPos()));
-    ListViewController* column = AppDelegate::columnContaining(target);
+    NoteColumn* column = AppCommands::columnContaining(target);
     if (!column || !column->isColumnEnabled())
         return false;
     QPoint position = request->globalPos();
     // From the keyboard the menu opens at the selected row rather than where the pointer is.
     if (request->reason() == QContextMenuEvent::Keyboard && column->selectedRow() >= 0) {
-        CustomTableView* view = column->tableView();
+        NoteListView* view = column->listView();
         const QRect row = view->visualRect(view->model()->index(column->selectedRow(), 0));
         position = view->viewport()->mapToGlobal(row.bottomLeft());
     }
@@ -85,12 +85,12 @@ bool NoteCommands::eventFilter(QObject* watched, QEvent* event) {
     return true;
 }
 
-ListViewController* NoteCommands::activeColumn() const {
-    MySplitViewController* row = m_window.splitViewController();
+NoteColumn* NoteCommands::activeColumn() const {
+    ColumnRow* row = m_window.columnRow();
     return row ? row->activeColumn() : nullptr;
 }
 
-void NoteCommands::showContextMenu(ListViewController& column, const QPoint& globalPosition) {
+void NoteCommands::showContextMenu(NoteColumn& column, const QPoint& globalPosition) {
     delete m_contextMenu;
     m_contextMenu = new QMenu(&m_window);
     m_contextMenu->setObjectName(QStringLiteral("noteContextMenu"));

@@ -10,7 +10,7 @@ class QMenu;
 namespace quillery {
 
 class DocumentWindow;
-class ListViewController;
+class NoteColumn;
 struct DocumentActions;
 
 // The Note menu's commands that act on the selected note of the window's active column (delete,
@@ -35,8 +35,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    ListViewController* activeColumn() const;
-    void showContextMenu(ListViewController& column, const QPoint& globalPosition);
+    NoteColumn* activeColumn() const;
+    void showContextMenu(NoteColumn& column, const QPoint& globalPosition);
 
     DocumentWindow& m_window;
     const DocumentActions& m_actions;

@@ -23,7 +23,7 @@ PicturePtr QtPictureCodec::decode(std::span<const std::uint8_t> bytes) const {
     if (bytes.empty()) {
         return nullptr;
     }
-    QImage image = DecodePicture(QByteArray::fromRawData(
+    QImage image = decodePicture(QByteArray::fromRawData(
         reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())));
     if (image.isNull()) {
         return nullptr;

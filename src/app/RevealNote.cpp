@@ -1,13 +1,13 @@
 #include "app/RevealNote.h"
 
-#include "columns/ListViewController.h"
-#include "navigation/MySplitViewController.h"
+#include "columns/NoteColumn.h"
+#include "navigation/ColumnRow.h"
 
 #include <algorithm>
 
 namespace quillery {
 
-bool revealNote(MySplitViewController& row, const NotebookNode& note) {
+bool revealNote(ColumnRow& row, const NotebookNode& note) {
     const NodePtr root = row.rootNode();
     if (!root || row.panel())
         return false;
@@ -20,7 +20,7 @@ bool revealNote(MySplitViewController& row, const NotebookNode& note) {
         return false;
     std::reverse(path.begin(), path.end());
     for (std::size_t depth = 0; depth < path.size(); ++depth) {
-        ListViewController* column = row.column(static_cast<int>(depth));
+        NoteColumn* column = row.column(static_cast<int>(depth));
         if (!column || !column->representedNode())
             return false;
         const auto& children = column->representedNode()->children();
@@ -31,7 +31,7 @@ bool revealNote(MySplitViewController& row, const NotebookNode& note) {
         // Selecting opens the next column.
         column->selectRow(static_cast<int>(at - children.begin()));
     }
-    row.makeSplitViewFirstResponder(static_cast<int>(path.size()) - 1);
+    row.focusColumn(static_cast<int>(path.size()) - 1);
     return true;
 }
 

@@ -4,11 +4,11 @@
 
 namespace quillery {
 
-class MySplitViewController;
+class ColumnRow;
 
 // Opens the columns along the note's path, selects the note in the last of them and gives that
 // column the focus. Returns false, changing nothing, for a note that is not under the root (a
 // deleted note) or while a panel is shown.
-bool revealNote(MySplitViewController& row, const NotebookNode& note);
+bool revealNote(ColumnRow& row, const NotebookNode& note);
 
 } // namespace quillery

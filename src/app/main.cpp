@@ -1,4 +1,4 @@
-#include "app/AppDelegate.h"
+#include "app/AppCommands.h"
 #include "app/AppInfo.h"
 #include "app/DialogPrompts.h"
 #include "app/DocumentController.h"
@@ -56,10 +56,10 @@ int main(int argc, char* argv[]) {
     quillery::QtPictureCodec codec;
     quillery::DialogPrompts prompts;
     quillery::DocumentController controller(preferences, codec, prompts);
-    quillery::AppDelegate appDelegate;
-    QObject::connect(&appDelegate, &quillery::AppDelegate::newNotebookRequested, &controller,
+    quillery::AppCommands appCommands;
+    QObject::connect(&appCommands, &quillery::AppCommands::newNotebookRequested, &controller,
                      &quillery::DocumentController::newDocument);
-    controller.setAppDelegate(&appDelegate);
+    controller.setAppCommands(&appCommands);
     QObject::connect(&instance, &quillery::SingleInstance::argumentsReceived, &controller,
                      &quillery::DocumentController::openForAnotherStart);
 

@@ -22,7 +22,7 @@ ColumnCommand columnCommandForKey(const QKeyEvent& event) {
         case Qt::Key_Down:
             return ColumnCommand::MoveDown;
         case Qt::Key_Space:
-            return ColumnCommand::QuickLook;
+            return ColumnCommand::PreviewPicture;
         default:
             break;
         }

@@ -14,7 +14,7 @@ enum class ColumnCommand {
     MoveRight,
     MoveUp,
     MoveDown,
-    QuickLook,  // shows a picture note in the picture panel
+    PreviewPicture, // shows a picture note in the picture panel
     InsertText, // plain typing, taken and ignored so it never reaches the list's type-ahead search
 };
 

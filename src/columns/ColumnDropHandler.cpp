@@ -1,7 +1,7 @@
 #include "columns/ColumnDropHandler.h"
 
 #include "columns/DecodePicture.h"
-#include "columns/ImageAndDataFromPasteBoard.h"
+#include "columns/PictureFromMimeData.h"
 #include "columns/QtPicture.h"
 #include "document/Diagnostics.h"
 #include "document/Document.h"
@@ -172,7 +172,7 @@ QString fileExtensionForPictureFile(const QUrl& url, const QByteArray& bytes) {
 // A web address copied as plain text, as browsers copy one from their address bar, offered as an
 // address. Only a lone http or https address counts, so ordinary text is still not pasted.
 std::unique_ptr<QMimeData> addressCopiedAsText(const QMimeData& data) {
-    if (data.hasUrls() || !data.hasText() || HasPictureType(data))
+    if (data.hasUrls() || !data.hasText() || hasPictureType(data))
         return nullptr;
     const QString text = data.text().trimmed();
     if (std::ranges::any_of(text, [](QChar c) { return c.isSpace(); }))
@@ -210,7 +210,7 @@ Qt::DropAction ColumnDropHandler::validateDrop(const NodePtr& representedNode,
                        planNoteDrop(m_document, *representedNode, note->identifier, row, position)
                    ? Qt::MoveAction
                    : Qt::IgnoreAction;
-    if (HasPictureType(data))
+    if (hasPictureType(data))
         return Qt::CopyAction;
     if (droppedUrl(data))
         return Qt::CopyAction;
@@ -237,8 +237,8 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
         return {true, nullptr};
     }
 
-    if (HasPictureType(data)) {
-        const auto picture = ImageAndDataFromPasteBoard(data);
+    if (hasPictureType(data)) {
+        const auto picture = pictureFromMimeData(data);
         const auto place = pictureDropPlace(representedNode, row, position);
         if (!picture || !place)
             return {};
@@ -260,7 +260,7 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
                                    "... just load string");
         } else {
             const QByteArray bytes = file.readAll();
-            const QImage image = DecodePicture(bytes);
+            const QImage image = decodePicture(bytes);
             if (!image.isNull()) {
                 const auto place = pictureDropPlace(representedNode, row, position);
                 if (!place)

@@ -1,8 +1,8 @@
 #include "columns/ColumnUpdater.h"
 
-#include "columns/CustomTableView.h"
 #include "columns/NodeListModel.h"
 #include "columns/NodeRowDelegate.h"
+#include "columns/NoteListView.h"
 #include "document/Document.h"
 
 namespace quillery {
@@ -15,7 +15,7 @@ int toRow(std::size_t index) {
 
 } // namespace
 
-ColumnUpdater::ColumnUpdater(const Document& document, NodeListModel& model, CustomTableView& view,
+ColumnUpdater::ColumnUpdater(const Document& document, NodeListModel& model, NoteListView& view,
                              NodeRowDelegate& rows)
     : m_document(document)
     , m_model(model)

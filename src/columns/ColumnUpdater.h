@@ -2,7 +2,7 @@
 
 namespace quillery {
 
-class CustomTableView;
+class NoteListView;
 class NodeListModel;
 class NodeRowDelegate;
 class Document;
@@ -13,7 +13,7 @@ struct DocumentUpdate;
 // list still shows the old one until apply() has run.
 class ColumnUpdater {
 public:
-    ColumnUpdater(const Document& document, NodeListModel& model, CustomTableView& view,
+    ColumnUpdater(const Document& document, NodeListModel& model, NoteListView& view,
                   NodeRowDelegate& rows);
 
     void apply(const DocumentUpdate& update);
@@ -28,7 +28,7 @@ private:
 
     const Document& m_document;
     NodeListModel& m_model;
-    CustomTableView& m_view;
+    NoteListView& m_view;
     NodeRowDelegate& m_rows;
 };
 

@@ -17,7 +17,7 @@ bool isLargerThanShown(QSize size) {
 
 } // namespace
 
-QImage DecodePicture(const QByteArray& bytes, PictureSize size) {
+QImage decodePicture(const QByteArray& bytes, PictureSize size) {
     QImageReader::setAllocationLimit(kDecodeLimitMegabytes);
     QBuffer buffer;
     buffer.setData(bytes);
@@ -31,7 +31,7 @@ QImage DecodePicture(const QByteArray& bytes, PictureSize size) {
     return reader.read();
 }
 
-QImage ShownPicture(const QImage& picture) {
+QImage shownPicture(const QImage& picture) {
     if (!isLargerThanShown(picture.size()))
         return picture;
     return picture.scaled(kMaxShownPictureSide, kMaxShownPictureSide, Qt::KeepAspectRatio,

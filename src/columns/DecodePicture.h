@@ -15,9 +15,9 @@ enum class PictureSize { Full, Shown };
 // kMaxShownPictureSide on a side. Readers that can decode scaled down (JPEG) do so; the others
 // hold the full-size picture once, while it is scaled. A null image when the bytes are not a
 // picture Qt can read, or when the full-size picture would take more than 2 GiB.
-QImage DecodePicture(const QByteArray& bytes, PictureSize size = PictureSize::Shown);
+QImage decodePicture(const QByteArray& bytes, PictureSize size = PictureSize::Shown);
 
 // The picture scaled down to at most kMaxShownPictureSide on a side; smaller ones as they are.
-QImage ShownPicture(const QImage& picture);
+QImage shownPicture(const QImage& picture);
 
 } // namespace quillery

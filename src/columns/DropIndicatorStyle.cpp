@@ -1,6 +1,6 @@
 #include "columns/DropIndicatorStyle.h"
 
-#include "columns/CustomTableView.h"
+#include "columns/NoteListView.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -59,7 +59,7 @@ void DropIndicatorStyle::drawPrimitive(PrimitiveElement element, const QStyleOpt
     // drop between two rows.
     if (option->rect.isNull())
         return;
-    if (const auto* view = qobject_cast<const CustomTableView*>(widget);
+    if (const auto* view = qobject_cast<const NoteListView*>(widget);
         view && !view->dropMarkShown())
         return;
     const QColor highlight = option->palette.color(QPalette::Highlight);

@@ -1,10 +1,10 @@
 #include "navigation/ColumnRowState.h"
 
-#include "columns/CustomTableView.h"
-#include "columns/ListViewController.h"
+#include "columns/NoteColumn.h"
+#include "columns/NoteListView.h"
 #include "document/Document.h"
-#include "navigation/MyHorizontalScrollViewController.h"
-#include "navigation/MySplitViewController.h"
+#include "navigation/ColumnRow.h"
+#include "navigation/ColumnScrollArea.h"
 
 #include <QScrollBar>
 #include <QTimer>
@@ -32,7 +32,7 @@ std::vector<const NotebookNode*> pathTo(const Document& document, const Identifi
     return path;
 }
 
-int rowOf(const ListViewController& column, const NotebookNode* node) {
+int rowOf(const NoteColumn& column, const NotebookNode* node) {
     const NodePtr& parent = column.representedNode();
     if (!parent) {
         return -1;
@@ -45,11 +45,11 @@ int rowOf(const ListViewController& column, const NotebookNode* node) {
 
 } // namespace
 
-ColumnRowState ColumnRowState::capture(const MyHorizontalScrollViewController& content) {
+ColumnRowState ColumnRowState::capture(const ColumnScrollArea& content) {
     ColumnRowState state;
-    const MySplitViewController& split = *content.splitViewController();
-    for (int depth = 0; const ListViewController* column = split.column(depth); ++depth) {
-        state.columnScroll.push_back(column->tableView()->verticalScrollBar()->value());
+    const ColumnRow& split = *content.columnRow();
+    for (int depth = 0; const NoteColumn* column = split.column(depth); ++depth) {
+        state.columnScroll.push_back(column->listView()->verticalScrollBar()->value());
         const NodePtr selected = column->selectedNode();
         if (!selected) {
             break;
@@ -57,21 +57,20 @@ ColumnRowState ColumnRowState::capture(const MyHorizontalScrollViewController& c
         state.selection.push_back(selected->identifier());
     }
     state.rowScroll = content.horizontalScrollBar()->value();
-    if (const ListViewController* active = split.activeColumn(); active && active->hasFocus()) {
-        state.focusedDepth = active->nodeDepth();
+    if (const NoteColumn* active = split.activeColumn(); active && active->hasFocus()) {
+        state.focusedDepth = active->depth();
     }
     return state;
 }
 
-void ColumnRowState::restore(MyHorizontalScrollViewController& content,
-                             const Document& document) const {
-    MySplitViewController& split = *content.splitViewController();
+void ColumnRowState::restore(ColumnScrollArea& content, const Document& document) const {
+    ColumnRow& split = *content.columnRow();
     std::vector<const NotebookNode*> path;
     for (auto it = selection.rbegin(); it != selection.rend() && path.empty(); ++it) {
         path = pathTo(document, *it);
     }
     for (std::size_t depth = 0; depth < path.size(); ++depth) {
-        ListViewController* column = split.column(static_cast<int>(depth));
+        NoteColumn* column = split.column(static_cast<int>(depth));
         const int row = column ? rowOf(*column, path[depth]) : -1;
         if (row < 0) {
             break;
@@ -80,15 +79,15 @@ void ColumnRowState::restore(MyHorizontalScrollViewController& content,
     }
     // Scroll ranges are known only once the new columns have been laid out.
     QTimer::singleShot(0, &content, [state = *this, &content] {
-        MySplitViewController& laidOut = *content.splitViewController();
+        ColumnRow& laidOut = *content.columnRow();
         for (std::size_t depth = 0; depth < state.columnScroll.size(); ++depth) {
-            if (ListViewController* column = laidOut.column(static_cast<int>(depth))) {
-                column->tableView()->verticalScrollBar()->setValue(state.columnScroll[depth]);
+            if (NoteColumn* column = laidOut.column(static_cast<int>(depth))) {
+                column->listView()->verticalScrollBar()->setValue(state.columnScroll[depth]);
             }
         }
         content.horizontalScrollBar()->setValue(state.rowScroll);
         if (state.focusedDepth >= 0) {
-            laidOut.makeSplitViewFirstResponder(state.focusedDepth);
+            laidOut.focusColumn(state.focusedDepth);
         }
     });
 }

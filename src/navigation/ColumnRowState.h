@@ -7,7 +7,7 @@
 namespace quillery {
 
 class Document;
-class MyHorizontalScrollViewController;
+class ColumnScrollArea;
 
 // Where the user is in a window's row of columns, by note identifier rather than by node: the
 // note selected in each column, how far each column and the row are scrolled, and which column
@@ -20,11 +20,11 @@ struct ColumnRowState {
     int rowScroll = 0;
     int focusedDepth = -1;
 
-    static ColumnRowState capture(const MyHorizontalScrollViewController& content);
+    static ColumnRowState capture(const ColumnScrollArea& content);
     // Opens the deepest selected note the document still holds, along the notes above it as
     // they are now (it may have moved), and scrolls and focuses as before once the row is laid
     // out. Notes that are gone are passed over; the content must be shown.
-    void restore(MyHorizontalScrollViewController& content, const Document& document) const;
+    void restore(ColumnScrollArea& content, const Document& document) const;
 };
 
 } // namespace quillery

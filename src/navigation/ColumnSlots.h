@@ -104,7 +104,7 @@ public:
 
     // Shows the panel as the item at the depth. Returns false, changing nothing, while another
     // panel is shown; the caller then disposes of the refused panel.
-    bool present(const Item& panel, int depth) {
+    bool showPanel(const Item& panel, int depth) {
         if (m_panel) {
             return false;
         }
@@ -133,7 +133,7 @@ public:
 
     // Closes the panel, brings back the columns put aside and, on the next turn, scrolls to and
     // focuses the column that opened the panel. Nothing happens when no panel is shown.
-    void dismiss() {
+    void closePanel() {
         if (!m_panel) {
             return;
         }

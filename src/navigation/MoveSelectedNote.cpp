@@ -1,8 +1,8 @@
 #include "navigation/MoveSelectedNote.h"
 
-#include "columns/ListViewController.h"
+#include "columns/NoteColumn.h"
 #include "document/Document.h"
-#include "navigation/MySplitViewController.h"
+#include "navigation/ColumnRow.h"
 
 #include <algorithm>
 
@@ -19,18 +19,17 @@ int rowOf(const NotebookNode& parent, const NotebookNode& child) {
 
 // Selects the note in the column at the depth and focuses that column; selecting opens the note's
 // children to the right, as a click would.
-void selectAndFocus(MySplitViewController& row, int depth, const NotebookNode& note) {
-    ListViewController* column = row.column(depth);
+void selectAndFocus(ColumnRow& row, int depth, const NotebookNode& note) {
+    NoteColumn* column = row.column(depth);
     if (!column || !column->representedNode())
         return;
     column->selectRow(rowOf(*column->representedNode(), note));
-    row.makeSplitViewFirstResponder(depth);
+    row.focusColumn(depth);
 }
 
 } // namespace
 
-bool moveSelectedNote(MySplitViewController& row, ListViewController& column,
-                      NoteMoveDirection direction) {
+bool moveSelectedNote(ColumnRow& row, NoteColumn& column, NoteMoveDirection direction) {
     Document* document = column.document();
     const NodePtr parent = column.representedNode();
     const NodePtr note = column.selectedNode();
@@ -38,7 +37,7 @@ bool moveSelectedNote(MySplitViewController& row, ListViewController& column,
         return false;
     const int index = rowOf(*parent, *note);
     const int count = static_cast<int>(parent->children().size());
-    const int depth = column.nodeDepth();
+    const int depth = column.depth();
     switch (direction) {
     case NoteMoveDirection::Up:
         if (index <= 0)

@@ -1,9 +1,9 @@
 #include "OpenedUrls.h"
 #include "QtPrinters.h"
-#include "app/AboutViewController.h"
-#include "app/AppDelegate.h"
+#include "app/AboutDialog.h"
+#include "app/AppCommands.h"
 #include "app/AppInfo.h"
-#include "columns/ListViewController.h"
+#include "columns/NoteColumn.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 
@@ -37,21 +37,21 @@ TEST(VersionText, ShowsVersionAndBuild) {
               QStringLiteral("Version 2.0 (100)"));
 }
 
-class AppDelegateActions : public ::testing::Test {
+class AppCommandsTest : public ::testing::Test {
 protected:
-    AppDelegateActions() {
+    AppCommandsTest() {
         testing::openedUrls().clear();
-        QObject::connect(&delegate, &AppDelegate::newNotebookRequested, [this] { ++newDocuments; });
+        QObject::connect(&delegate, &AppCommands::newNotebookRequested, [this] { ++newDocuments; });
     }
 
-    AppDelegate delegate;
+    AppCommands delegate;
     int newDocuments = 0;
 };
 
-TEST_F(AppDelegateActions, EachActionOpensItsAddress) {
+TEST_F(AppCommandsTest, EachActionOpensItsAddress) {
     delegate.showHelp();
-    delegate.didTapSendFeedback();
-    delegate.didTapSendFeedbackViaSocialNetwork();
+    delegate.sendFeedback();
+    delegate.followOnSocialNetwork();
     const std::vector<QUrl>& urls = testing::openedUrls();
     ASSERT_EQ(urls.size(), 3u);
     EXPECT_EQ(urls[0], AppInfo::helpUrl());
@@ -61,28 +61,28 @@ TEST_F(AppDelegateActions, EachActionOpensItsAddress) {
     EXPECT_EQ(urls[2], AppInfo::socialUrl());
 }
 
-TEST_F(AppDelegateActions, AddNoteWithoutAFocusedColumnMakesANewNotebook) {
+TEST_F(AppCommandsTest, AddNoteWithoutAFocusedColumnMakesANewNotebook) {
     QWidget elsewhere;
     elsewhere.setFocusPolicy(Qt::StrongFocus);
     elsewhere.show();
     elsewhere.activateWindow();
     elsewhere.setFocus();
-    delegate.didTapAddNode();
+    delegate.addNote();
     EXPECT_EQ(newDocuments, 1);
 }
 
-TEST_F(AppDelegateActions, AddNoteWithAFocusedColumnIsTheColumns) {
+TEST_F(AppCommandsTest, AddNoteWithAFocusedColumnIsTheColumns) {
     InMemoryPreferences preferences;
     Document document(preferences);
-    ListViewController column(&document);
+    NoteColumn column(&document);
     column.setRepresentedNode(document.rootNode());
     column.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&column));
     column.activateWindow();
-    column.makeFirstResponder();
+    column.takeFocus();
     QCoreApplication::processEvents();
-    ASSERT_EQ(AppDelegate::columnContaining(QApplication::focusWidget()), &column);
-    delegate.didTapAddNode();
+    ASSERT_EQ(AppCommands::columnContaining(QApplication::focusWidget()), &column);
+    delegate.addNote();
     EXPECT_EQ(newDocuments, 0);
 }
 
@@ -94,7 +94,7 @@ protected:
         return button.palette().color(QPalette::ButtonText);
     }
 
-    AboutViewController panel;
+    AboutDialog panel;
 };
 
 TEST_F(AboutPanel, ShowsTheVersionLine) {

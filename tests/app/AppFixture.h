@@ -4,11 +4,11 @@
 #include "app/DocumentWindow.h"
 #include "app/FakePrompts.h"
 #include "app/QtPictureCodec.h"
-#include "columns/CustomTableView.h"
-#include "columns/ListViewController.h"
+#include "columns/NoteColumn.h"
+#include "columns/NoteListView.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
-#include "navigation/MySplitViewController.h"
+#include "navigation/ColumnRow.h"
 #include "storage/NotebookPackage.h"
 
 #include <QTemporaryDir>
@@ -58,8 +58,8 @@ protected:
         return texts;
     }
 
-    static int rowCount(ListViewController* column) {
-        return column ? column->tableView()->model()->rowCount() : -1;
+    static int rowCount(NoteColumn* column) {
+        return column ? column->listView()->model()->rowCount() : -1;
     }
 
     static void addNote(DocumentWindow& window, const std::string& text) {

@@ -19,7 +19,7 @@ TEST_F(DocumentControllerTest, ANewNotebookIsUntitledAndShowsTheRootColumn) {
     ASSERT_EQ(controller.windows().size(), 1u);
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Untitled[*]"));
     EXPECT_FALSE(window->isWindowModified());
-    ListViewController* first = window->splitViewController()->column(0);
+    NoteColumn* first = window->columnRow()->column(0);
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(first->representedNode(), window->document().rootNode());
 
@@ -33,7 +33,7 @@ TEST_F(DocumentControllerTest, OpeningAPackageShowsItsNotesUnderItsName) {
 
     ASSERT_NE(window, nullptr);
     EXPECT_EQ(window->displayName(), QStringLiteral("Trip"));
-    EXPECT_EQ(rowCount(window->splitViewController()->column(0)), 3);
+    EXPECT_EQ(rowCount(window->columnRow()->column(0)), 3);
     EXPECT_TRUE(prompts.warnings.empty());
     EXPECT_EQ(controller.recentDocuments().paths().value(0),
               QString::fromStdString(location.string()));
@@ -161,7 +161,7 @@ TEST_F(DocumentControllerTest, ALargeNotebookOpensWithItsFirstColumn) {
     DocumentWindow* window = controller.openDocument(location);
 
     ASSERT_NE(window, nullptr);
-    ListViewController* first = window->splitViewController()->column(0);
+    NoteColumn* first = window->columnRow()->column(0);
     ASSERT_NE(first, nullptr);
     EXPECT_TRUE(QTest::qWaitForWindowExposed(window));
     EXPECT_TRUE(first->isVisible());

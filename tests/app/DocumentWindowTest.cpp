@@ -1,7 +1,7 @@
 #include "QtPrinters.h"
-#include "app/AppDelegate.h"
+#include "app/AppCommands.h"
 #include "app/AppFixture.h"
-#include "columns/EditNodeViewController.h"
+#include "columns/NoteEditorPanel.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -57,14 +57,14 @@ TEST_F(DocumentWindowTest, UndoAndRedoAreNamedAfterTheStepAndDriveTheDocument) {
 TEST_F(DocumentWindowTest, HistoryAndNoteCommandsWaitWhileAPanelIsOpen) {
     DocumentWindow& window = *controller.newDocument();
     addNote(window, "first");
-    MySplitViewController& split = *window.splitViewController();
+    ColumnRow& split = *window.columnRow();
 
-    split.present(new QWidget, 1);
+    split.showPanel(new QWidget, 1);
     EXPECT_FALSE(action(window, "actionUndo").isEnabled());
     EXPECT_FALSE(action(window, "actionAddNote").isEnabled());
     EXPECT_FALSE(action(window, "actionEditNote").isEnabled());
 
-    split.dismissModalViewController();
+    split.closePanel();
     EXPECT_TRUE(action(window, "actionUndo").isEnabled());
     EXPECT_TRUE(action(window, "actionAddNote").isEnabled());
 }
@@ -73,30 +73,30 @@ TEST_F(DocumentWindowTest, TheNoteMenuActsOnTheFocusedColumn) {
     DocumentWindow& window = *controller.newDocument();
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    ListViewController* first = window.splitViewController()->column(0);
-    first->makeFirstResponder();
+    NoteColumn* first = window.columnRow()->column(0);
+    first->takeFocus();
 
     action(window, "actionAddNote").trigger();
 
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window.splitViewController()->panel() != nullptr; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.columnRow()->panel() != nullptr; }));
     EXPECT_NE(first->temporaryNode(), nullptr);
 }
 
 TEST_F(DocumentWindowTest, AddNoteWithNoColumnMakesANewNotebookLikeTheAppCommand) {
-    AppDelegate app;
+    AppCommands app;
     int newDocuments = 0;
-    QObject::connect(&app, &AppDelegate::newNotebookRequested, [&] { ++newDocuments; });
-    controller.setAppDelegate(&app);
+    QObject::connect(&app, &AppCommands::newNotebookRequested, [&] { ++newDocuments; });
+    controller.setAppCommands(&app);
     // Never shown, so no column has been loaded to take the note.
     DocumentWindow window(controller, std::make_unique<Document>(preferences, &codec),
                           QStringLiteral("Untitled"));
-    ASSERT_EQ(window.splitViewController()->activeColumn(), nullptr);
+    ASSERT_EQ(window.columnRow()->activeColumn(), nullptr);
 
     action(window, "actionAddNote").trigger();
 
     EXPECT_EQ(newDocuments, 1);
     EXPECT_TRUE(window.document().rootNode()->children().empty());
-    controller.setAppDelegate(nullptr);
+    controller.setAppCommands(nullptr);
 }
 
 TEST_F(DocumentWindowTest, EveryCommandHasAShortcutOfItsOwn) {
@@ -129,7 +129,7 @@ protected:
         addNote(window, "first");
         window.activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-        window.splitViewController()->column(0)->makeFirstResponder();
+        window.columnRow()->column(0)->takeFocus();
         QApplication::processEvents();
         return window;
     }
@@ -298,14 +298,14 @@ class DocumentWindowEditorTest : public DocumentWindowTest,
                                  public ::testing::WithParamInterface<EditorEnding> {
 protected:
     // Opens the editor on the first top-level note and types the text at its end.
-    static EditNodeViewController& typeInEditor(DocumentWindow& window, const QString& text) {
-        ListViewController& column = *window.splitViewController()->column(0);
+    static NoteEditorPanel& typeInEditor(DocumentWindow& window, const QString& text) {
+        NoteColumn& column = *window.columnRow()->column(0);
         column.selectRow(0);
-        column.didTapEditNode();
-        auto* editor = qobject_cast<EditNodeViewController*>(window.splitViewController()->panel());
+        column.editSelectedNote();
+        auto* editor = qobject_cast<NoteEditorPanel*>(window.columnRow()->panel());
         EXPECT_NE(editor, nullptr);
-        editor->textView()->moveCursor(QTextCursor::End);
-        editor->textView()->insertPlainText(text);
+        editor->textEdit()->moveCursor(QTextCursor::End);
+        editor->textEdit()->insertPlainText(text);
         return *editor;
     }
 };
@@ -353,13 +353,13 @@ TEST_F(DocumentWindowEditorTest, AnUntitledNotebookAsksAboutTypedTextAndCancelKe
     DocumentWindow& window = *controller.newDocument();
     addNote(window, "draft");
     window.document().markSaved();
-    EditNodeViewController& editor = typeInEditor(window, QStringLiteral(" two"));
+    NoteEditorPanel& editor = typeInEditor(window, QStringLiteral(" two"));
 
     EXPECT_FALSE(window.close());
 
     EXPECT_EQ(prompts.savePromptsFor, std::vector<QString>{QStringLiteral("Untitled")});
-    EXPECT_EQ(window.splitViewController()->panel(), &editor);
-    EXPECT_EQ(editor.textView()->toPlainText(), QStringLiteral("draft two"));
+    EXPECT_EQ(window.columnRow()->panel(), &editor);
+    EXPECT_EQ(editor.textEdit()->toPlainText(), QStringLiteral("draft two"));
 }
 
 TEST_F(DocumentWindowTest, RevertReadsThePackageAgainAndForgetsTheHistory) {
@@ -375,7 +375,7 @@ TEST_F(DocumentWindowTest, RevertReadsThePackageAgainAndForgetsTheHistory) {
     EXPECT_EQ(window.document().rootNode()->children()[0]->text(), "Flights");
     EXPECT_FALSE(action(window, "actionUndo").isEnabled());
     EXPECT_FALSE(window.isWindowModified());
-    EXPECT_EQ(rowCount(window.splitViewController()->column(0)), 1);
+    EXPECT_EQ(rowCount(window.columnRow()->column(0)), 1);
 }
 
 } // namespace

@@ -27,7 +27,7 @@ protected:
         add(add(document.rootNode(), "Garden"), "apple tree");
         window.activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-        column(0)->makeFirstResponder();
+        column(0)->takeFocus();
         bar = window.findChild<FindBar*>();
     }
 
@@ -36,11 +36,9 @@ protected:
                                      -1);
         return parent->children().back();
     }
-    ListViewController* column(int depth) const {
-        return window.splitViewController()->column(depth);
-    }
+    NoteColumn* column(int depth) const { return window.columnRow()->column(depth); }
     QString selectedText(int depth) const {
-        ListViewController* shown = column(depth);
+        NoteColumn* shown = column(depth);
         return shown && shown->selectedNode()
                    ? QString::fromStdString(shown->selectedNode()->text())
                    : QString();

@@ -38,7 +38,7 @@ protected:
         ASSERT_TRUE(settled.wait(10000));
     }
 
-    static std::vector<std::string> texts(ListViewController* column) {
+    static std::vector<std::string> texts(NoteColumn* column) {
         std::vector<std::string> shown;
         for (const NodePtr& child : column->representedNode()->children())
             shown.push_back(child->text());
@@ -49,13 +49,13 @@ protected:
 TEST_F(LiveMergeTest, LaterNotesJoinInPlaceAndTheSelectionStays) {
     const auto location = makePackage("Trip.quillery", {"A", "B", "C"});
     DocumentWindow& window = *controller.openDocument(location);
-    ListViewController* first = window.splitViewController()->column(0);
+    NoteColumn* first = window.columnRow()->column(0);
     first->selectRow(2);
 
     addElsewhere(location, "New", 1);
     merge(window);
 
-    EXPECT_EQ(window.splitViewController()->column(0), first) << "no column was rebuilt";
+    EXPECT_EQ(window.columnRow()->column(0), first) << "no column was rebuilt";
     EXPECT_EQ(rowCount(first), 4);
     EXPECT_EQ(texts(first), (std::vector<std::string>{"A", "New", "B", "C"}));
     EXPECT_EQ(first->selectedNode()->text(), "C");
@@ -71,8 +71,7 @@ TEST_F(LiveMergeTest, UndoAfterAMergeTakesBackOnlyTheLocalEdit) {
     merge(window);
     window.undoManager().undo();
 
-    EXPECT_EQ(texts(window.splitViewController()->column(0)),
-              (std::vector<std::string>{"A", "Theirs"}));
+    EXPECT_EQ(texts(window.columnRow()->column(0)), (std::vector<std::string>{"A", "Theirs"}));
 }
 
 TEST_F(LiveMergeTest, EarlierNotesAreReplayedAndTheSameColumnsOpenAgain) {
@@ -81,16 +80,16 @@ TEST_F(LiveMergeTest, EarlierNotesAreReplayedAndTheSameColumnsOpenAgain) {
     const NodePtr b = window.document().rootNode()->children()[1];
     window.document().userDidAdd(*NotebookNode::create(b->identifier(), "B1"), *b, -1);
     ASSERT_TRUE(window.save());
-    window.splitViewController()->column(0)->selectRow(1);
-    window.splitViewController()->column(1)->selectRow(0);
-    QPointer<ListViewController> before = window.splitViewController()->column(0);
+    window.columnRow()->column(0)->selectRow(1);
+    window.columnRow()->column(1)->selectRow(0);
+    QPointer<NoteColumn> before = window.columnRow()->column(0);
 
     addElsewhere(location, "Old", 0, [] { return std::chrono::system_clock::now() - 24h * 365; });
     merge(window);
 
     // The row is rebuilt over the replayed tree.
     EXPECT_TRUE(before.isNull());
-    MySplitViewController& split = *window.splitViewController();
+    ColumnRow& split = *window.columnRow();
     EXPECT_EQ(texts(split.column(0)), (std::vector<std::string>{"Old", "A", "B"}));
     ASSERT_NE(split.column(1), nullptr);
     EXPECT_EQ(split.column(0)->selectedNode()->text(), "B");
@@ -106,7 +105,7 @@ TEST_F(LiveMergeTest, ADamagedJournalLeavesTheNotebookAndIsNamedInTheWindow) {
 
     EXPECT_TRUE(window.messageBar()->isVisible());
     EXPECT_TRUE(window.messageBar()->text().contains(QStringLiteral("Broken.journal")));
-    EXPECT_EQ(texts(window.splitViewController()->column(0)), std::vector<std::string>{"A"});
+    EXPECT_EQ(texts(window.columnRow()->column(0)), std::vector<std::string>{"A"});
 }
 
 } // namespace

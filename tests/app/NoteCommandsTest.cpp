@@ -1,5 +1,5 @@
 #include "QtPrinters.h"
-#include "app/AppDelegate.h"
+#include "app/AppCommands.h"
 #include "app/AppFixture.h"
 #include "app/DeletedNotesDialog.h"
 
@@ -30,7 +30,7 @@ protected:
         add(document.rootNode(), "C");
         window->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window));
-        window->splitViewController()->column(0)->makeFirstResponder();
+        window->columnRow()->column(0)->takeFocus();
         QApplication::processEvents();
     }
     ~NoteCommandsTest() override { QGuiApplication::clipboard()->clear(); }
@@ -58,8 +58,8 @@ protected:
         QTest::keyClick(QApplication::focusWidget(), key.key(), key.keyboardModifiers());
     }
 
-    ListViewController* focusedColumn() const {
-        return AppDelegate::columnContaining(QApplication::focusWidget());
+    NoteColumn* focusedColumn() const {
+        return AppCommands::columnContaining(QApplication::focusWidget());
     }
 
     static QAction& action(DocumentWindow& window, const char* name) {
@@ -110,9 +110,9 @@ TEST_P(KeyCommands, ChangeTheOutlineAndTheSelectionFollows) {
     for (const QKeyCombination key : test.keys)
         press(key);
     EXPECT_EQ(describe(*window->document().rootNode()), test.outline);
-    ListViewController* column = focusedColumn();
+    NoteColumn* column = focusedColumn();
     ASSERT_NE(column, nullptr);
-    EXPECT_EQ(column->nodeDepth(), test.depth);
+    EXPECT_EQ(column->depth(), test.depth);
     ASSERT_NE(column->selectedNode(), nullptr);
     EXPECT_EQ(column->selectedNode()->text(), test.selected);
     EXPECT_EQ(action(*window, "actionUndo").text(), QString::fromLatin1(test.undo));

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "columns/AddNoteButton.h"
 #include "columns/ColumnPrompts.h"
-#include "columns/CustomTableView.h"
-#include "columns/EditNodeViewController.h"
-#include "columns/HighlightableButton.h"
-#include "columns/ListViewController.h"
+#include "columns/NoteColumn.h"
+#include "columns/NoteEditorPanel.h"
+#include "columns/NoteListView.h"
 #include "columns/QtPicture.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
@@ -43,33 +43,31 @@ private:
 // Stands in for the navigation: records what the column asked for and owns presented panels.
 class RecordingColumnDelegate {
 public:
-    void listen(ListViewController& column) {
-        QObject::connect(&column, &ListViewController::noteSelected,
+    void listen(NoteColumn& column) {
+        QObject::connect(&column, &NoteColumn::noteSelected,
                          [this](const NodePtr& node) { selected.push_back(node); });
-        QObject::connect(&column, &ListViewController::picturePreviewRequested,
-                         [this](const NodePtr& node) { quickLooked.push_back(node); });
-        QObject::connect(&column, &ListViewController::selectionCleared, [this] { ++cleared; });
-        QObject::connect(&column, &ListViewController::focusLeftRequested, [this] { ++movedLeft; });
-        QObject::connect(&column, &ListViewController::focusRightRequested,
-                         [this] { ++movedRight; });
-        QObject::connect(&column, &ListViewController::editorRequested,
-                         [this](EditNodeViewController* panel) {
-                             editor.reset(panel);
-                             editor->setParent(nullptr);
-                         });
-        QObject::connect(&column, &ListViewController::editorDone, [this] {
+        QObject::connect(&column, &NoteColumn::picturePreviewRequested,
+                         [this](const NodePtr& node) { previewed.push_back(node); });
+        QObject::connect(&column, &NoteColumn::selectionCleared, [this] { ++cleared; });
+        QObject::connect(&column, &NoteColumn::focusLeftRequested, [this] { ++movedLeft; });
+        QObject::connect(&column, &NoteColumn::focusRightRequested, [this] { ++movedRight; });
+        QObject::connect(&column, &NoteColumn::editorRequested, [this](NoteEditorPanel* panel) {
+            editor.reset(panel);
+            editor->setParent(nullptr);
+        });
+        QObject::connect(&column, &NoteColumn::editorDone, [this] {
             ++dismissed;
             editor.release()->deleteLater();
         });
     }
 
     std::vector<NodePtr> selected;
-    std::vector<NodePtr> quickLooked;
+    std::vector<NodePtr> previewed;
     int cleared = 0;
     int movedLeft = 0;
     int movedRight = 0;
     int dismissed = 0;
-    std::unique_ptr<EditNodeViewController> editor;
+    std::unique_ptr<NoteEditorPanel> editor;
 };
 
 // A document with an undo history and one column shown in its own window, with prompts that
@@ -94,11 +92,11 @@ protected:
         return parent->children().back();
     }
 
-    std::unique_ptr<ListViewController> makeColumn(const NodePtr& node, int depth,
-                                                   RecordingColumnDelegate& navigation) {
-        auto made = std::make_unique<ListViewController>(&document);
+    std::unique_ptr<NoteColumn> makeColumn(const NodePtr& node, int depth,
+                                           RecordingColumnDelegate& navigation) {
+        auto made = std::make_unique<NoteColumn>(&document);
         made->setRepresentedNode(node);
-        made->setNodeDepth(depth);
+        made->setDepth(depth);
         navigation.listen(*made);
         made->setPrompts(prompts());
         made->resize(320, 480);
@@ -111,7 +109,7 @@ protected:
         column->show();
         column->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(column.get()));
-        column->makeFirstResponder();
+        column->takeFocus();
         QApplication::processEvents();
     }
 
@@ -146,7 +144,7 @@ protected:
     Document document{preferences, &codec};
     UndoManager undoManager;
     RecordingColumnDelegate delegate;
-    std::unique_ptr<ListViewController> column;
+    std::unique_ptr<NoteColumn> column;
     bool confirmAnswer = true;
     int confirmations = 0;
     int missingPictureReports = 0;

@@ -16,19 +16,17 @@ protected:
             add(parent, text);
         open(parent);
         rootColumn = makeColumn(document.rootNode(), 0, rootNavigation);
-        for (ListViewController* each : {column.get(), rootColumn.get()})
+        for (NoteColumn* each : {column.get(), rootColumn.get()})
             testers.push_back(std::make_unique<QAbstractItemModelTester>(
-                each->tableView()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal));
+                each->listView()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal));
     }
 
-    int rows(const ListViewController& shown) const {
-        return shown.tableView()->model()->rowCount();
-    }
+    int rows(const NoteColumn& shown) const { return shown.listView()->model()->rowCount(); }
 
     // The texts the column's rows show, in order.
-    std::vector<std::string> shownTexts(const ListViewController& shown) const {
+    std::vector<std::string> shownTexts(const NoteColumn& shown) const {
         std::vector<std::string> result;
-        auto* model = shown.tableView()->model();
+        auto* model = shown.listView()->model();
         for (int row = 0; row < model->rowCount(); ++row)
             result.push_back(model->index(row, 0).data().toString().toStdString());
         return result;
@@ -37,7 +35,7 @@ protected:
     NodePtr parent;
     NodePtr sibling;
     RecordingColumnDelegate rootNavigation;
-    std::unique_ptr<ListViewController> rootColumn;
+    std::unique_ptr<NoteColumn> rootColumn;
     std::vector<std::unique_ptr<QAbstractItemModelTester>> testers;
 };
 
@@ -74,7 +72,7 @@ TEST_F(ColumnUpdates, DeletingTheSelectedFirstRowSelectsTheNoteThatTakesItsPlace
 }
 
 TEST_F(ColumnUpdates, DeletingWithNothingSelectedSelectsNothing) {
-    column->tableView()->selectionModel()->clearSelection();
+    column->listView()->selectionModel()->clearSelection();
     document.userDidMove(*parent->children()[1], *document.deletedRootNode());
     EXPECT_EQ(column->selectedRow(), -1);
     EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "c"}));
@@ -102,10 +100,10 @@ TEST_F(ColumnUpdates, ReorderingMovesTheRowAndTheSelectionWithIt) {
 
 TEST_F(ColumnUpdates, MovingToAnotherParentUpdatesBothColumnsAndTheParentsRows) {
     auto siblingColumn = makeColumn(sibling, 1, rootNavigation);
-    QAbstractItemModelTester tester(siblingColumn->tableView()->model(),
+    QAbstractItemModelTester tester(siblingColumn->listView()->model(),
                                     QAbstractItemModelTester::FailureReportingMode::Fatal);
     int refreshedRootRows = 0;
-    QObject::connect(rootColumn->tableView()->model(), &QAbstractItemModel::dataChanged,
+    QObject::connect(rootColumn->listView()->model(), &QAbstractItemModel::dataChanged,
                      [&] { ++refreshedRootRows; });
     document.userDidMove(*parent->children()[1], *sibling);
     EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "c"}));
@@ -116,21 +114,21 @@ TEST_F(ColumnUpdates, MovingToAnotherParentUpdatesBothColumnsAndTheParentsRows) 
 
 TEST_F(ColumnUpdates, ChangedTextRedrawsAndRemeasuresTheRow) {
     int refreshed = 0;
-    QObject::connect(column->tableView()->model(), &QAbstractItemModel::dataChanged,
+    QObject::connect(column->listView()->model(), &QAbstractItemModel::dataChanged,
                      [&] { ++refreshed; });
     const int before =
-        column->tableView()->visualRect(column->tableView()->model()->index(1, 0)).height();
+        column->listView()->visualRect(column->listView()->model()->index(1, 0)).height();
     document.userDidModify(*parent->children()[1], "# A heading\nand\nthree\nlines");
     EXPECT_EQ(refreshed, 1);
     QApplication::processEvents();
     const int after =
-        column->tableView()->visualRect(column->tableView()->model()->index(1, 0)).height();
+        column->listView()->visualRect(column->listView()->model()->index(1, 0)).height();
     EXPECT_GT(after, before);
 }
 
 TEST_F(ColumnUpdates, AddingBelowARowOfThisColumnRefreshesOnlyThatRow) {
     std::vector<int> refreshedRows;
-    QObject::connect(rootColumn->tableView()->model(), &QAbstractItemModel::dataChanged,
+    QObject::connect(rootColumn->listView()->model(), &QAbstractItemModel::dataChanged,
                      [&](const QModelIndex& first) { refreshedRows.push_back(first.row()); });
     add(sibling, "child");
     EXPECT_EQ(refreshedRows, std::vector<int>{1});

@@ -17,8 +17,8 @@ TEST(DecodePicture, APictureBeyondQtsDefaultLimitDecodesAtTheShownSizeOrInFull) 
     const QByteArray png = encoded(large, "png");
     large = QImage();
 
-    EXPECT_EQ(DecodePicture(png).size(), QSize(kMaxShownPictureSide, 2304));
-    EXPECT_EQ(DecodePicture(png, PictureSize::Full).size(), QSize(8192, 4608));
+    EXPECT_EQ(decodePicture(png).size(), QSize(kMaxShownPictureSide, 2304));
+    EXPECT_EQ(decodePicture(png, PictureSize::Full).size(), QSize(8192, 4608));
 }
 
 TEST(DecodePicture, SmallPicturesKeepTheirSizeAndBrokenOnesGiveNothing) {
@@ -26,9 +26,9 @@ TEST(DecodePicture, SmallPicturesKeepTheirSizeAndBrokenOnesGiveNothing) {
     small.fill(Qt::red);
     const QByteArray jpeg = encoded(small, "jpeg");
 
-    EXPECT_EQ(DecodePicture(jpeg).size(), QSize(30, 20));
-    EXPECT_TRUE(DecodePicture(QByteArray("\x89PNG\r\n\x1a\n broken", 16)).isNull());
-    EXPECT_TRUE(DecodePicture(QByteArray()).isNull());
+    EXPECT_EQ(decodePicture(jpeg).size(), QSize(30, 20));
+    EXPECT_TRUE(decodePicture(QByteArray("\x89PNG\r\n\x1a\n broken", 16)).isNull());
+    EXPECT_TRUE(decodePicture(QByteArray()).isNull());
 }
 
 } // namespace

@@ -21,12 +21,10 @@ class RowHeights : public ColumnFixture {
 protected:
     int shownHeight(int row) const {
         QApplication::processEvents();
-        return column->tableView()
-            ->visualRect(column->tableView()->model()->index(row, 0))
-            .height();
+        return column->listView()->visualRect(column->listView()->model()->index(row, 0)).height();
     }
     NodeRowDelegate& rows() const {
-        return *qobject_cast<NodeRowDelegate*>(column->tableView()->itemDelegate());
+        return *qobject_cast<NodeRowDelegate*>(column->listView()->itemDelegate());
     }
 };
 
@@ -34,7 +32,7 @@ TEST_F(RowHeights, APictureFillsTheColumnWidthAtItsAspectRatio) {
     const NodePtr parent = add(document.rootNode(), "parent");
     addPicture(parent, {400, 200});
     open(parent);
-    const int width = column->tableView()->viewport()->width();
+    const int width = column->listView()->viewport()->width();
     EXPECT_EQ(rows().columnWidth(), width);
     EXPECT_EQ(shownHeight(0), width / 2);
     rows().setColumnWidth(300);
@@ -101,7 +99,7 @@ TEST_F(RowHeights, ALongColumnMeasuresOnlyTheRowsItShows) {
     EXPECT_EQ(shownHeight(0), rows().rowHeight(*children[0]));
 
     // Jumping to the end measures the rows shown there, not those scrolled past.
-    column->tableView()->scrollToBottom();
+    column->listView()->scrollToBottom();
     for (int turn = 0; turn < 10; ++turn)
         QApplication::processEvents(QEventLoop::AllEvents, 5);
     EXPECT_LT(rows().measuredRowCount(), 400u);
@@ -123,7 +121,7 @@ TEST_F(ColumnModelDrops, ANoteDroppedAboveARowMovesThere) {
     for (const char* text : {"a", "b", "c"})
         add(parent, text);
     open(parent);
-    QAbstractItemModel* model = column->tableView()->model();
+    QAbstractItemModel* model = column->listView()->model();
     std::unique_ptr<QMimeData> drag(model->mimeData({model->index(0, 0)}));
     ASSERT_NE(drag, nullptr);
     EXPECT_TRUE(drag->hasFormat(QString::fromLatin1(kNodeDragAndDropDataType)));
@@ -140,14 +138,14 @@ TEST_F(ColumnModelDrops, ADroppedAddressOpensItsNoteInTheEditorNextTurn) {
     open(parent);
     QMimeData address;
     address.setUrls({QUrl(QStringLiteral("https://example.org/page"))});
-    QAbstractItemModel* model = column->tableView()->model();
+    QAbstractItemModel* model = column->listView()->model();
     // Copied, never moved: the source keeps what it offered.
     EXPECT_EQ(qobject_cast<NodeListModel*>(model)->dropAction(address, -1, {}), Qt::CopyAction);
     ASSERT_TRUE(model->dropMimeData(&address, Qt::CopyAction, -1, -1, {}));
     EXPECT_EQ(delegate.editor, nullptr);
     QApplication::processEvents();
     ASSERT_NE(delegate.editor, nullptr);
-    EXPECT_EQ(delegate.editor->representedNode(), parent->children().back());
+    EXPECT_EQ(delegate.editor->note(), parent->children().back());
 }
 
 // A dimmed column fades its rows, but the count of a row's children must stay readable: its
@@ -218,7 +216,7 @@ protected:
     // Drags the row over a point of the list (by way of another, when given) and counts the
     // highlight-coloured pixels shown.
     int markPixels(int draggedRow, QPoint at, std::optional<QPoint> byWayOf = std::nullopt) {
-        CustomTableView* view = column->tableView();
+        NoteListView* view = column->listView();
         QPalette palette = view->palette();
         palette.setColor(QPalette::Highlight, QColor(kHighlight));
         view->setPalette(palette);
@@ -243,7 +241,7 @@ protected:
         return count;
     }
     QRect rowRect(int row) const {
-        CustomTableView* view = column->tableView();
+        NoteListView* view = column->listView();
         return view->visualRect(view->model()->index(row, 0));
     }
 };

@@ -149,7 +149,7 @@ TEST_F(ColumnSlotsTest, MovingFocusStopsAtBothEnds) {
 
 TEST_F(ColumnSlotsTest, MovingRightOntoAPanelDoesNothing) {
     openFourColumns();
-    slots.present(host.makePanel(), 2);
+    slots.showPanel(host.makePanel(), 2);
     host.log.clear();
     slots.moveRight(1);
     slots.focus(7);
@@ -162,7 +162,7 @@ TEST_F(ColumnSlotsTest, PresentingPutsAsideTheColumnsRightOfThePanel) {
     openFourColumns();
     FakeItem* panel = host.makePanel();
 
-    ASSERT_TRUE(slots.present(panel, 2));
+    ASSERT_TRUE(slots.showPanel(panel, 2));
 
     EXPECT_THAT(names(), ElementsAre("root", "a", "panel"));
     EXPECT_FALSE(slots.items()[0]->enabled);
@@ -179,11 +179,11 @@ TEST_F(ColumnSlotsTest, PresentingPutsAsideTheColumnsRightOfThePanel) {
 
 TEST_F(ColumnSlotsTest, DismissingRestoresTheColumnsAndFocusesTheOneThatOpenedThePanel) {
     openFourColumns();
-    slots.present(host.makePanel(), 2);
+    slots.showPanel(host.makePanel(), 2);
     host.runLater();
     host.log.clear();
 
-    slots.dismiss();
+    slots.closePanel();
 
     EXPECT_THAT(names(), ElementsAre("root", "a", "b", "c"));
     EXPECT_TRUE(slots.items()[0]->enabled);
@@ -199,10 +199,10 @@ TEST_F(ColumnSlotsTest, DismissingRestoresTheColumnsAndFocusesTheOneThatOpenedTh
 
 TEST_F(ColumnSlotsTest, ASecondPanelIsRefusedAndChangesNothing) {
     openFourColumns();
-    slots.present(host.makePanel(), 2);
+    slots.showPanel(host.makePanel(), 2);
     host.log.clear();
 
-    EXPECT_FALSE(slots.present(host.makePanel(), 1));
+    EXPECT_FALSE(slots.showPanel(host.makePanel(), 1));
     EXPECT_THAT(names(), ElementsAre("root", "a", "panel"));
     EXPECT_EQ(slots.savedDepth(), 2);
     EXPECT_THAT(host.log, IsEmpty());
@@ -210,7 +210,7 @@ TEST_F(ColumnSlotsTest, ASecondPanelIsRefusedAndChangesNothing) {
 
 TEST_F(ColumnSlotsTest, SelectionChangesWhileAPanelIsShownAreIgnored) {
     openFourColumns();
-    slots.present(host.makePanel(), 2);
+    slots.showPanel(host.makePanel(), 2);
     slots.select(0, note("d"));
     slots.clearSelection(0);
     EXPECT_THAT(names(), ElementsAre("root", "a", "panel"));
@@ -218,14 +218,14 @@ TEST_F(ColumnSlotsTest, SelectionChangesWhileAPanelIsShownAreIgnored) {
 
 TEST_F(ColumnSlotsTest, APresentDepthBeyondTheRowIsClampedToItsEnd) {
     openFourColumns();
-    slots.present(host.makePanel(), 9);
+    slots.showPanel(host.makePanel(), 9);
     EXPECT_THAT(names(), ElementsAre("root", "a", "b", "c", "panel"));
     EXPECT_EQ(slots.savedDepth(), 4);
 }
 
 TEST_F(ColumnSlotsTest, DismissingWithoutAPanelDoesNothing) {
     openFourColumns();
-    slots.dismiss();
+    slots.closePanel();
     host.runLater();
     EXPECT_THAT(names(), ElementsAre("root", "a", "b", "c"));
     EXPECT_THAT(host.log, IsEmpty());
@@ -235,8 +235,8 @@ TEST_F(ColumnSlotsTest, DismissingWithoutAPanelDoesNothing) {
 
 TEST_F(ColumnSlotsTest, APanelGoneBeforeItsScrollStepRanIsNotScrolledTo) {
     openFourColumns();
-    slots.present(host.makePanel(), 2);
-    slots.dismiss();
+    slots.showPanel(host.makePanel(), 2);
+    slots.closePanel();
     host.log.clear();
 
     host.runLater();
@@ -246,9 +246,9 @@ TEST_F(ColumnSlotsTest, APanelGoneBeforeItsScrollStepRanIsNotScrolledTo) {
 
 TEST_F(ColumnSlotsTest, AFocusStepIsDroppedWhenAnotherPanelOpenedMeanwhile) {
     openFourColumns();
-    slots.present(host.makePanel(), 2);
-    slots.dismiss();
-    slots.present(host.makePanel(), 1);
+    slots.showPanel(host.makePanel(), 2);
+    slots.closePanel();
+    slots.showPanel(host.makePanel(), 1);
     host.log.clear();
 
     host.runLater();

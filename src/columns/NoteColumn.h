@@ -1,0 +1,99 @@
+#pragma once
+
+#include "columns/NoteEditorPanel.h"
+#include "model/NotebookNode.h"
+
+#include <QWidget>
+
+class QLabel;
+
+namespace quillery {
+
+class NoteListView;
+class Document;
+class AddNoteButton;
+struct ColumnPrompts;
+
+// One column: the children of one note as a list, the "No sub-notes yet" label and the add
+// button. It turns keys, clicks and drops into the document's edit operations and follows the
+// document's change notifications one row operation at a time.
+//
+// The column observes the document from construction until it is destroyed; the document must
+// outlive it.
+class NoteColumn : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit NoteColumn(Document* document, QWidget* parent = nullptr);
+    ~NoteColumn() override;
+
+    Document* document() const;
+
+    const NodePtr& representedNode() const;
+    void setRepresentedNode(NodePtr node);
+    int depth() const;
+    void setDepth(int depth);
+    // False while the navigation shows the editor: the list and button are disabled and the
+    // unselected rows drawn dimmed.
+    bool isColumnEnabled() const;
+    void setColumnEnabled(bool enabled);
+
+    void reloadData();
+    // Takes the keyboard focus (the list, selecting row 0 when nothing is selected, or the add
+    // button of an empty column) and scrolls the column into view.
+    void takeFocus();
+    void reloadVisibleRows(bool andHeights = false);
+
+    // The Note menu's commands; they act on this column.
+    void addNote();
+    void addNoteBeneath();
+    void editSelectedNote();
+    // Deletes the selected note, asking first unless it is empty.
+    void deleteSelectedNote();
+    // Edit > Paste from the clipboard: a picture or an address is added at the end of the column.
+    // Nothing can be pasted while the column is disabled or a new note is being typed.
+    bool canPaste() const;
+    bool paste();
+
+    // The selected row (-1 for none) and its note; selecting runs the selection handling, so
+    // noteSelected() is emitted.
+    int selectedRow() const;
+    NodePtr selectedNode() const;
+    void selectRow(int row);
+    // The new note being typed, present from an add command until its editor is done.
+    const NodePtr& temporaryNode() const;
+
+    // Replaces the confirmation dialogs and the file opener (tests use their own).
+    void setPrompts(ColumnPrompts prompts);
+
+    NoteListView* listView() const;
+    AddNoteButton* addButton() const;
+    QLabel* noEntriesLabel() const;
+
+    QSize sizeHint() const override;
+
+signals:
+    // The selected note changed, to this one, or to none.
+    void noteSelected(const NodePtr& note);
+    void selectionCleared();
+    // Space on a selected picture note.
+    void picturePreviewRequested(const NodePtr& note);
+    // Left and Right: the keyboard focus should go to the neighbouring column.
+    void focusLeftRequested();
+    void focusRightRequested();
+    // The note editor to show as the column right of this one. It is parented to the column and
+    // hidden; the receiver takes it over.
+    void editorRequested(NoteEditorPanel* editor);
+    // The editor's change is recorded (or the new note thrown away): the editor can go.
+    void editorDone();
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace quillery
