@@ -94,7 +94,7 @@ QSize AddNoteButton::minimumSizeHint() const {
 }
 
 void AddNoteButton::click() {
-    emit pressed();
+    emit clicked();
 }
 
 void AddNoteButton::paintEvent(QPaintEvent*) {
@@ -133,7 +133,7 @@ void AddNoteButton::mouseReleaseEvent(QMouseEvent* event) {
     m_mouseDown = false;
     update();
     if (isEnabled() && inside)
-        emit pressed();
+        emit clicked();
 }
 
 void AddNoteButton::enterEvent(QEnterEvent*) {
@@ -150,7 +150,7 @@ void AddNoteButton::keyPressEvent(QKeyEvent* event) {
         (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) {
         event->accept();
         if (!event->isAutoRepeat())
-            emit pressed();
+            emit clicked();
         return;
     }
     QWidget::keyPressEvent(event);

@@ -30,7 +30,7 @@ public slots:
     void click();
 
 signals:
-    void pressed();
+    void clicked();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

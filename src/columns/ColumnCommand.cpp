@@ -10,13 +10,13 @@ ColumnCommand columnCommandForKey(const QKeyEvent& event) {
         switch (event.key()) {
         case Qt::Key_Backspace:
         case Qt::Key_Delete:
-            return ColumnCommand::DeleteBackward;
+            return ColumnCommand::DeleteNote;
         case Qt::Key_Return:
-            return ColumnCommand::InsertNewline;
+            return ColumnCommand::OpenNote;
         case Qt::Key_Left:
-            return ColumnCommand::MoveLeft;
+            return ColumnCommand::FocusLeft;
         case Qt::Key_Right:
-            return ColumnCommand::MoveRight;
+            return ColumnCommand::FocusRight;
         case Qt::Key_Up:
             return ColumnCommand::MoveUp;
         case Qt::Key_Down:
@@ -37,7 +37,7 @@ ColumnCommand columnCommandForKey(const QKeyEvent& event) {
     if ((modifiers & ~Qt::ShiftModifier) == Qt::NoModifier) {
         const QString text = event.text();
         if (!text.isEmpty() && text.at(0).isPrint())
-            return ColumnCommand::InsertText;
+            return ColumnCommand::Typing;
     }
     return ColumnCommand::None;
 }

@@ -8,14 +8,14 @@ namespace quillery {
 // from its add button.
 enum class ColumnCommand {
     None, // not the column's key: the focused widget or the window handles it
-    DeleteBackward,
-    InsertNewline,
-    MoveLeft,
-    MoveRight,
+    DeleteNote,
+    OpenNote, // the editor for a text note, the desktop's viewer for a picture note
+    FocusLeft,
+    FocusRight,
     MoveUp,
     MoveDown,
     PreviewPicture, // shows a picture note in the picture panel
-    InsertText, // plain typing, taken and ignored so it never reaches the list's type-ahead search
+    Typing, // plain typing, taken and ignored so it never reaches the list's type-ahead search
 };
 
 ColumnCommand columnCommandForKey(const QKeyEvent& event);

@@ -45,7 +45,7 @@ NoteColumn::NoteColumn(Document* document, QWidget* parent)
 
     d->addButton->setTitle(tr("Add Note"));
     d->addButton->setToolTip(tr("Add a note at the end of this column"));
-    connect(d->addButton, &AddNoteButton::pressed, this, [this] { addNote(); });
+    connect(d->addButton, &AddNoteButton::clicked, this, [this] { addNote(); });
 
     auto* list = new QGridLayout;
     list->addWidget(d->listView, 0, 0);
@@ -230,7 +230,7 @@ bool NoteColumn::event(QEvent* event) {
     // column: Ctrl+N moves down here rather than making a new notebook.
     if (event->type() == QEvent::ShortcutOverride) {
         const ColumnCommand command = columnCommandForKey(*static_cast<QKeyEvent*>(event));
-        if (command != ColumnCommand::None && command != ColumnCommand::InsertText) {
+        if (command != ColumnCommand::None && command != ColumnCommand::Typing) {
             event->accept();
             return true;
         }

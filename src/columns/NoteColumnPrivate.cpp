@@ -58,16 +58,16 @@ bool NoteColumn::Private::perform(ColumnCommand command) {
     switch (command) {
     case ColumnCommand::None:
         return false;
-    case ColumnCommand::DeleteBackward:
+    case ColumnCommand::DeleteNote:
         deleteSelectedNode();
         break;
-    case ColumnCommand::InsertNewline:
+    case ColumnCommand::OpenNote:
         q->editSelectedNote();
         break;
-    case ColumnCommand::MoveLeft:
+    case ColumnCommand::FocusLeft:
         emit q->focusLeftRequested();
         break;
-    case ColumnCommand::MoveRight:
+    case ColumnCommand::FocusRight:
         emit q->focusRightRequested();
         break;
     case ColumnCommand::MoveUp:
@@ -79,7 +79,7 @@ bool NoteColumn::Private::perform(ColumnCommand command) {
     case ColumnCommand::PreviewPicture:
         previewSelectedPicture();
         break;
-    case ColumnCommand::InsertText:
+    case ColumnCommand::Typing:
         break;
     }
     return true;

@@ -82,7 +82,7 @@ protected:
     }
 
     AddNoteButton button;
-    QSignalSpy presses{&button, &AddNoteButton::pressed};
+    QSignalSpy presses{&button, &AddNoteButton::clicked};
     const QPoint inside{20, 20};
     const QPoint outside{500, 20};
 };
