@@ -15,10 +15,6 @@ class AboutDialog : public QDialog {
 public:
     explicit AboutDialog(QWidget* parent = nullptr);
 
-    QLabel* versionLabel() const { return m_versionLabel; }
-    QPushButton* siteLinkButton() const { return m_siteLinkButton; }
-    QPushButton* socialLinkButton() const { return m_socialLinkButton; }
-
     void openSite();
     void openSocialPage();
 

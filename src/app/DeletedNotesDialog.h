@@ -21,15 +21,13 @@ class DeletedNotesDialog : public QDialog {
 public:
     explicit DeletedNotesDialog(DocumentWindow& window);
 
-    QTreeWidget* list() const { return m_list; }
-    QPushButton* putBackButton() const { return m_putBack; }
     // Shows the deleted notes as they are now, on the next turn of the event loop, once however
     // many changes arrive before it.
     void scheduleReload();
     void reload();
-    void putBackSelectedNote();
 
 private:
+    void putBackSelectedNote();
     QTreeWidgetItem* makeItem(const NotebookNode& note, bool withOrigin) const;
     QString originPath(const NotebookNode& note) const;
     void fillChildren(QTreeWidgetItem* item);

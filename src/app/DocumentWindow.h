@@ -40,7 +40,6 @@ public:
     Document& document() const { return *m_document; }
     UndoManager& undoManager() const { return *m_undoManager; }
     const DocumentActions& actions() const { return m_actions; }
-    ColumnScrollArea* columnArea() const { return m_content; }
     MessageBar* messageBar() const { return m_messageBar; }
     // Keeps the open notebook in step with other writers of its package; null while the
     // notebook has no location.

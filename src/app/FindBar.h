@@ -39,11 +39,6 @@ public:
     void chooseNext();
     void choosePrevious();
 
-    QLineEdit* field() const { return m_field; }
-    QCheckBox* includeDeletedBox() const { return m_includeDeleted; }
-    QLabel* countLabel() const { return m_count; }
-    QListView* resultsView() const { return m_results; }
-
 signals:
     // The user chose a result; the bar is closed already.
     void noteChosen(const NodePtr& note);

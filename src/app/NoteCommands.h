@@ -23,10 +23,7 @@ public:
 
     // The commands wait while a panel is shown, as the columns do.
     void setBrowsing(bool browsing);
-    // The menu shown on a right-click or the Menu key over a column; null when none is open.
-    QMenu* contextMenu() const { return m_contextMenu; }
-    // View > Deleted Notes, made the first time it is asked for; null before.
-    DeletedNotesDialog* deletedNotesDialog() const { return m_deletedNotes; }
+    // View > Deleted Notes, made the first time it is asked for.
     void showDeletedNotes();
     // The window's document changed (or was replaced): the deleted notes follow.
     void documentDidChange();

@@ -33,7 +33,6 @@ public:
     void markSeen(const QStringList& journals);
     // Looks at the package at once rather than waiting for an event.
     void checkNow();
-    bool isPolling() const { return m_poll.isActive(); }
 
 signals:
     // Names (inside the package) of journals that appeared or changed since last seen.

@@ -56,11 +56,11 @@ public:
     bool canPaste(const NodePtr& representedNode, const QMimeData& data) const;
     Outcome paste(const NodePtr& representedNode, const QMimeData& data);
 
+private:
     // Stores the picture and adds a picture note for it to the parent at the index.
     void addNode(const NotebookNode& toParent, const QImage& image, const QByteArray& originalData,
                  std::optional<std::string> url, const QString& fileExtension, long at);
 
-private:
     Document& m_document;
 };
 

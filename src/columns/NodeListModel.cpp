@@ -95,11 +95,6 @@ void NodeListModel::refreshRow(int row) {
     emit dataChanged(changed, changed);
 }
 
-void NodeListModel::refreshAllRows() {
-    if (rowCount() > 0)
-        emit dataChanged(index(0), index(rowCount() - 1));
-}
-
 int NodeListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
 }

@@ -34,13 +34,11 @@ public:
     int rowShowing(const Identifier& identifier) const;
 
     // One row operation each; the represented node's children must already hold the new state.
-    void reload();
     void insertRowAt(int row);
     void removeRowAt(int row);
     // `to` is the row's index once moved.
     void moveRow(int from, int to);
     void refreshRow(int row);
-    void refreshAllRows();
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -68,6 +66,7 @@ signals:
 
 private:
     struct DropPlace;
+    void reload();
     DropPlace dropPlace(int row, const QModelIndex& parent) const;
     void editAfterDrop(NodePtr note);
 

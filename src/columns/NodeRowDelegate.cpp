@@ -68,10 +68,6 @@ void NodeRowDelegate::setColumnWidth(int width) {
     m_heights->byNode.clear();
 }
 
-void NodeRowDelegate::invalidateAll() {
-    m_heights->byNode.clear();
-}
-
 void NodeRowDelegate::invalidate(const Identifier& node) {
     m_heights->byNode.erase(node);
 }

@@ -38,8 +38,6 @@ public:
     int columnWidth() const { return m_columnWidth; }
     // Forgets the height of a note whose text changed.
     void invalidate(const Identifier& node);
-    // Forgets every height, so that the rows are measured again as they are drawn.
-    void invalidateAll();
 
     // The exact height of a row showing the node (measured and cached).
     int rowHeight(const NotebookNode& node) const;

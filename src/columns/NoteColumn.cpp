@@ -109,12 +109,7 @@ void NoteColumn::setColumnEnabled(bool enabled) {
     d->enabled = enabled;
     d->addButton->setEnabled(enabled);
     d->listView->setEnabled(enabled);
-    reloadVisibleRows(false);
-}
-
-void NoteColumn::reloadData() {
-    d->model->reload();
-    d->updateUI();
+    d->listView->viewport()->update();
 }
 
 void NoteColumn::takeFocus() {
@@ -128,14 +123,6 @@ void NoteColumn::takeFocus() {
             selectRow(0);
     }
     d->scrollIntoView();
-}
-
-void NoteColumn::reloadVisibleRows(bool andHeights) {
-    if (andHeights) {
-        d->rows->invalidateAll();
-        emit d->rows->sizeHintChanged(QModelIndex());
-    }
-    d->listView->viewport()->update();
 }
 
 void NoteColumn::addNote() {
@@ -210,14 +197,6 @@ void NoteColumn::setPrompts(ColumnPrompts prompts) {
 
 NoteListView* NoteColumn::listView() const {
     return d->listView;
-}
-
-AddNoteButton* NoteColumn::addButton() const {
-    return d->addButton;
-}
-
-QLabel* NoteColumn::noEntriesLabel() const {
-    return d->noEntriesLabel;
 }
 
 QSize NoteColumn::sizeHint() const {

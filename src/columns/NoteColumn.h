@@ -38,11 +38,9 @@ public:
     bool isColumnEnabled() const;
     void setColumnEnabled(bool enabled);
 
-    void reloadData();
     // Takes the keyboard focus (the list, selecting row 0 when nothing is selected, or the add
     // button of an empty column) and scrolls the column into view.
     void takeFocus();
-    void reloadVisibleRows(bool andHeights = false);
 
     // The Note menu's commands; they act on this column.
     void addNote();
@@ -67,8 +65,6 @@ public:
     void setPrompts(ColumnPrompts prompts);
 
     NoteListView* listView() const;
-    AddNoteButton* addButton() const;
-    QLabel* noEntriesLabel() const;
 
     QSize sizeHint() const override;
 

@@ -22,8 +22,6 @@ public:
     const QImage& image() const;
     void setImage(QImage image);
 
-    ZoomableImageView* imageView() const { return m_imageView; }
-
 signals:
     void finished();
 

@@ -26,7 +26,6 @@ public:
     void zoomOut();
     // Zooms so that the whole picture fits, and keeps it fitted while the view is resized.
     void fitToView();
-    bool isFitting() const { return m_fitting; }
 
     // The zoom at which the whole picture fits the current viewport.
     double fitZoom() const;

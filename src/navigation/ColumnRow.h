@@ -25,9 +25,7 @@ public:
     explicit ColumnRow(Document* document, QWidget* parent = nullptr);
     ~ColumnRow() override;
 
-    Document* document() const { return m_document; }
     NodePtr rootNode() const;
-    bool loadedRootNode() const { return m_slots.loadedRootNode(); }
 
     // The items of the row, left to right: columns, and the panel last while one is shown.
     const std::vector<QWidget*>& items() const { return m_slots.items(); }

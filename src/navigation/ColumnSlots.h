@@ -49,10 +49,7 @@ public:
     ColumnSlots& operator=(const ColumnSlots&) = delete;
 
     const std::vector<Item>& items() const { return m_items; }
-    const std::vector<Item>& savedItems() const { return m_savedItems; }
     const std::optional<Item>& panel() const { return m_panel; }
-    int savedDepth() const { return m_savedDepth; }
-    bool loadedRootNode() const { return m_loadedRootNode; }
     int itemCount() const { return static_cast<int>(m_items.size()); }
 
     // Makes the first column, on the root (absent without a document); only the first call does.

@@ -98,19 +98,19 @@ protected:
 };
 
 TEST_F(AboutPanel, ShowsTheVersionLine) {
-    EXPECT_EQ(panel.versionLabel()->text(),
+    EXPECT_EQ(panel.findChild<QLabel*>(QStringLiteral("versionLabel"))->text(),
               AppInfo::versionText(AppInfo::version(), AppInfo::buildNumber()));
 }
 
 TEST_F(AboutPanel, SiteLinkIsUnderlinedInTheLinkColour) {
-    const QPushButton& site = *panel.siteLinkButton();
+    const QPushButton& site = *panel.findChild<QPushButton*>(QStringLiteral("siteLinkButton"));
     EXPECT_EQ(site.text(), AppInfo::siteUrl().toString());
     EXPECT_TRUE(site.font().underline());
     EXPECT_EQ(textColour(site), panel.palette().color(QPalette::Link));
 }
 
 TEST_F(AboutPanel, HandleLinkIsInTheLinkColourWithoutUnderline) {
-    const QPushButton& social = *panel.socialLinkButton();
+    const QPushButton& social = *panel.findChild<QPushButton*>(QStringLiteral("socialLinkButton"));
     EXPECT_EQ(social.text(), QStringLiteral("@") + AppInfo::socialHandle());
     EXPECT_FALSE(social.font().underline());
     EXPECT_EQ(textColour(social), panel.palette().color(QPalette::Link));
@@ -120,13 +120,17 @@ TEST_F(AboutPanel, LinksFollowAPaletteChange) {
     QPalette dark = panel.palette();
     dark.setColor(QPalette::Link, QColor(0x7a, 0xb8, 0xff));
     panel.setPalette(dark);
-    EXPECT_EQ(textColour(*panel.siteLinkButton()), QColor(0x7a, 0xb8, 0xff));
-    EXPECT_EQ(textColour(*panel.socialLinkButton()), QColor(0x7a, 0xb8, 0xff));
+    EXPECT_EQ(textColour(*panel.findChild<QPushButton*>(QStringLiteral("siteLinkButton"))),
+              QColor(0x7a, 0xb8, 0xff));
+    EXPECT_EQ(textColour(*panel.findChild<QPushButton*>(QStringLiteral("socialLinkButton"))),
+              QColor(0x7a, 0xb8, 0xff));
 }
 
 TEST_F(AboutPanel, LinksOpenTheSiteAndTheSocialPage) {
-    QTest::mouseClick(panel.siteLinkButton(), Qt::LeftButton);
-    QTest::mouseClick(panel.socialLinkButton(), Qt::LeftButton);
+    QTest::mouseClick(panel.findChild<QPushButton*>(QStringLiteral("siteLinkButton")),
+                      Qt::LeftButton);
+    QTest::mouseClick(panel.findChild<QPushButton*>(QStringLiteral("socialLinkButton")),
+                      Qt::LeftButton);
     EXPECT_EQ(testing::openedUrls(), (std::vector<QUrl>{AppInfo::siteUrl(), AppInfo::socialUrl()}));
 }
 

@@ -48,12 +48,13 @@ protected:
     }
     // The index is built in the background: the count shows once it is ready.
     void expectCount(const QString& text) {
-        EXPECT_TRUE(QTest::qWaitFor([&] { return bar->countLabel()->text() == text; }))
-            << bar->countLabel()->text().toStdString();
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return bar->findChild<QLabel*>(QStringLiteral("findCount"))->text() == text;
+        })) << bar->findChild<QLabel*>(QStringLiteral("findCount"))->text().toStdString();
     }
     void search(const QString& text) {
         trigger("actionFind");
-        QTest::keyClicks(bar->field(), text);
+        QTest::keyClicks(bar->findChild<QLineEdit*>(QStringLiteral("findField")), text);
     }
 
     DocumentWindow& window;
@@ -63,11 +64,11 @@ protected:
 TEST_F(FindBarTest, ReturnOpensTheColumnsAlongThePathAndFocusesTheNote) {
     ASSERT_NE(bar, nullptr);
     search(QStringLiteral("APPLE"));
-    EXPECT_TRUE(bar->field()->hasFocus());
+    EXPECT_TRUE(bar->findChild<QLineEdit*>(QStringLiteral("findField"))->hasFocus());
     expectCount(QStringLiteral("2 notes"));
 
-    QTest::keyClick(bar->field(), Qt::Key_Down);
-    QTest::keyClick(bar->field(), Qt::Key_Return);
+    QTest::keyClick(bar->findChild<QLineEdit*>(QStringLiteral("findField")), Qt::Key_Down);
+    QTest::keyClick(bar->findChild<QLineEdit*>(QStringLiteral("findField")), Qt::Key_Return);
 
     EXPECT_FALSE(bar->isVisible());
     EXPECT_EQ(selectedText(0), QStringLiteral("Garden"));
@@ -79,7 +80,7 @@ TEST_F(FindBarTest, ReturnOpensTheColumnsAlongThePathAndFocusesTheNote) {
 TEST_F(FindBarTest, EscapeClosesAndGivesTheFocusBack) {
     QWidget* before = QApplication::focusWidget();
     search(QStringLiteral("pear"));
-    QTest::keyClick(bar->field(), Qt::Key_Escape);
+    QTest::keyClick(bar->findChild<QLineEdit*>(QStringLiteral("findField")), Qt::Key_Escape);
     EXPECT_FALSE(bar->isVisible());
     EXPECT_EQ(QApplication::focusWidget(), before);
 }
@@ -87,7 +88,7 @@ TEST_F(FindBarTest, EscapeClosesAndGivesTheFocusBack) {
 TEST_F(FindBarTest, NextAndPreviousWalkTheLastSearchWithoutTheBar) {
     search(QStringLiteral("apple"));
     expectCount(QStringLiteral("2 notes"));
-    QTest::keyClick(bar->field(), Qt::Key_Return);
+    QTest::keyClick(bar->findChild<QLineEdit*>(QStringLiteral("findField")), Qt::Key_Return);
     EXPECT_EQ(selectedText(1), QStringLiteral("apple pie"));
 
     const std::vector<std::pair<const char*, const char*>> steps{
@@ -115,9 +116,11 @@ TEST_F(FindBarTest, ResultsFollowEditsUndoAndDeletion) {
 
     document.userDidMove(*document.rootNode()->children()[1], *document.deletedRootNode());
     expectCount(QStringLiteral("1 note"));
-    bar->includeDeletedBox()->setChecked(true);
-    EXPECT_EQ(bar->countLabel()->text(), QStringLiteral("2 notes"));
-    const QModelIndex last = bar->resultsView()->model()->index(1, 0);
+    bar->findChild<QCheckBox*>(QStringLiteral("findIncludeDeleted"))->setChecked(true);
+    EXPECT_EQ(bar->findChild<QLabel*>(QStringLiteral("findCount"))->text(),
+              QStringLiteral("2 notes"));
+    const QModelIndex last =
+        bar->findChild<QListView*>(QStringLiteral("findResults"))->model()->index(1, 0);
     EXPECT_TRUE(last.data(FindResultsModel::DeletedRole).toBool());
     EXPECT_EQ(last.data(FindResultsModel::PathRole).toString(),
               QStringLiteral("Deleted notes > Garden"));

@@ -130,7 +130,7 @@ TEST_F(NoteCommandsTest, DeletedNotesShowTheLatestFirstAndReturnPutsOneBack) {
     press(Qt::CTRL | Qt::SHIFT | Qt::Key_D);
     auto* dialog = window->findChild<DeletedNotesDialog*>();
     ASSERT_NE(dialog, nullptr);
-    QTreeWidget* list = dialog->list();
+    QTreeWidget* list = dialog->findChild<QTreeWidget*>();
     ASSERT_EQ(list->topLevelItemCount(), 2);
     EXPECT_EQ(list->topLevelItem(0)->text(0), QStringLiteral("B"));
     EXPECT_EQ(list->topLevelItem(0)->text(1), QStringLiteral("Top level"));

@@ -12,6 +12,7 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QTest>
 
@@ -131,6 +132,11 @@ protected:
         ASSERT_NE(target, nullptr);
         QTest::keyClick(target, key, modifiers);
     }
+
+    QLabel* emptyLabel() const {
+        return column->findChild<QLabel*>(QStringLiteral("noEntriesLabel"));
+    }
+    AddNoteButton* addButton() const { return column->findChild<AddNoteButton*>(); }
 
     std::vector<std::string> texts(const NodePtr& parent) const {
         std::vector<std::string> result;

@@ -41,10 +41,10 @@ protected:
 
 TEST_F(ColumnUpdates, AnAddedChildGetsItsRowAndHidesTheLabel) {
     open(sibling);
-    EXPECT_TRUE(column->noEntriesLabel()->isVisible());
+    EXPECT_TRUE(emptyLabel()->isVisible());
     add(sibling, "first");
     EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"first"}));
-    EXPECT_FALSE(column->noEntriesLabel()->isVisible());
+    EXPECT_FALSE(emptyLabel()->isVisible());
 }
 
 TEST_F(ColumnUpdates, InsertingKeepsTheSelectionOnItsNote) {
@@ -84,7 +84,7 @@ TEST_F(ColumnUpdates, DeletingTheOnlyRowShowsTheLabel) {
     document.userDidMove(*only, *document.deletedRootNode());
     EXPECT_EQ(rows(*column), 0);
     EXPECT_EQ(column->selectedRow(), -1);
-    EXPECT_TRUE(column->noEntriesLabel()->isVisible());
+    EXPECT_TRUE(emptyLabel()->isVisible());
     EXPECT_GE(delegate.cleared, 1);
 }
 

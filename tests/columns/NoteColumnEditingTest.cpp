@@ -134,16 +134,16 @@ TEST_F(ColumnEditing, DisablingTheColumnDisablesTheListAndButton) {
     column->setColumnEnabled(false);
     EXPECT_FALSE(column->isColumnEnabled());
     EXPECT_FALSE(column->listView()->isEnabled());
-    EXPECT_FALSE(column->addButton()->isEnabled());
+    EXPECT_FALSE(addButton()->isEnabled());
     column->setColumnEnabled(true);
     EXPECT_TRUE(column->listView()->isEnabled());
-    EXPECT_TRUE(column->addButton()->isEnabled());
+    EXPECT_TRUE(addButton()->isEnabled());
 }
 
 TEST_F(ColumnEditing, TheRootColumnHasItsOwnEmptyText) {
     open(document.rootNode(), 0);
-    EXPECT_EQ(column->noEntriesLabel()->text(), QStringLiteral("No notes yet"));
-    EXPECT_TRUE(column->noEntriesLabel()->isVisible());
+    EXPECT_EQ(emptyLabel()->text(), QStringLiteral("No notes yet"));
+    EXPECT_TRUE(emptyLabel()->isVisible());
 }
 
 TEST_F(ColumnEditing, AColumnWithoutANoteDoesNothing) {

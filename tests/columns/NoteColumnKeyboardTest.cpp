@@ -20,7 +20,7 @@ protected:
     }
 
     NoteListView* table() const { return column->listView(); }
-    AddNoteButton* button() const { return column->addButton(); }
+    AddNoteButton* button() const { return addButton(); }
 
     NodePtr parent;
 };
@@ -184,11 +184,11 @@ class EmptyColumnKeyboard : public ColumnFixture {};
 TEST_F(EmptyColumnKeyboard, FocusGoesToTheButtonAndUpDoesNothing) {
     const NodePtr parent = add(document.rootNode(), "parent");
     open(parent);
-    EXPECT_TRUE(column->addButton()->hasFocus());
-    EXPECT_TRUE(column->noEntriesLabel()->isVisible());
-    EXPECT_EQ(column->noEntriesLabel()->text(), QStringLiteral("No sub-notes yet"));
+    EXPECT_TRUE(addButton()->hasFocus());
+    EXPECT_TRUE(emptyLabel()->isVisible());
+    EXPECT_EQ(emptyLabel()->text(), QStringLiteral("No sub-notes yet"));
     press(Qt::Key_Up);
-    EXPECT_TRUE(column->addButton()->hasFocus());
+    EXPECT_TRUE(addButton()->hasFocus());
     EXPECT_EQ(column->selectedRow(), -1);
 }
 
