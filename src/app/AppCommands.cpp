@@ -13,16 +13,8 @@ AppCommands::AppCommands(QObject* parent)
     : QObject(parent) {
 }
 
-NoteColumn* AppCommands::columnContaining(QWidget* widget) {
-    for (; widget; widget = widget->parentWidget()) {
-        if (auto* column = qobject_cast<NoteColumn*>(widget))
-            return column;
-    }
-    return nullptr;
-}
-
 void AppCommands::addNote() {
-    if (auto* column = columnContaining(QApplication::focusWidget());
+    if (auto* column = NoteColumn::containing(QApplication::focusWidget());
         column && column->isColumnEnabled()) {
         column->addNote();
         return;

@@ -6,8 +6,6 @@ class QWidget;
 
 namespace quillery {
 
-class NoteColumn;
-
 // The application's own menu commands: Help, Send Feedback, the social-network page, About, and
 // Add Note when no column takes it. Addresses open in the desktop's default programs.
 class AppCommands : public QObject {
@@ -23,9 +21,6 @@ public:
     void followOnSocialNetwork();
     // Shows the About panel, made once and kept until it is closed.
     void showAbout(QWidget* parent);
-
-    // The column that contains the widget, if any.
-    static NoteColumn* columnContaining(QWidget* widget);
 
 signals:
     // Add Note found no column with the focus: a new notebook takes the note.

@@ -451,7 +451,7 @@ NoteColumn* DocumentWindow::focusedColumn() const {
     if (!m_content || columnRow()->panel()) {
         return nullptr;
     }
-    return AppCommands::columnContaining(focusWidget());
+    return NoteColumn::containing(focusWidget());
 }
 
 } // namespace quillery

@@ -71,7 +71,7 @@ bool NoteCommands::eventFilter(QObject* watched, QEvent* event) {
     QWidget* target = request->reason() == QContextMenuEvent::Keyboard
                           ? m_window.focusWidget()
                           : m_window.childAt(m_window.mapFromGlobal(request->globalPos()));
-    NoteColumn* column = AppCommands::columnContaining(target);
+    NoteColumn* column = NoteColumn::containing(target);
     if (!column || !column->isColumnEnabled())
         return false;
     QPoint position = request->globalPos();

@@ -1,19 +1,19 @@
 #include "columns/NoteColumn.h"
 
 #include "columns/AddNoteButton.h"
+#include "columns/ColumnUpdater.h"
+#include "columns/NodeListModel.h"
 #include "columns/NodeRowDelegate.h"
-#include "columns/NoteColumnPrivate.h"
-#include "columns/NoteEditorPanel.h"
 #include "columns/NoteListView.h"
+#include "document/Document.h"
 
 #include <QBoxLayout>
 #include <QClipboard>
-#include <QDesktopServices>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMimeData>
-#include <QTimer>
+#include <QScrollArea>
 
 #include <algorithm>
 
@@ -21,182 +21,137 @@ namespace quillery {
 
 NoteColumn::NoteColumn(Document* document, QWidget* parent)
     : QWidget(parent)
-    , d(std::make_unique<Private>(this, document)) {
+    , m_document(document)
+    , m_model(new NodeListModel(document, this))
+    , m_rows(new NodeRowDelegate(document, this))
+    , m_listView(new NoteListView(this))
+    , m_emptyLabel(new QLabel(this))
+    , m_addButton(new AddNoteButton(this)) {
     setObjectName(QStringLiteral("NoteColumn"));
-    d->listView->setModel(d->model);
-    d->listView->setItemDelegate(d->rows);
-    d->listView->setAccessibleName(tr("Notes"));
-    d->rows->setColumnWidth(d->listView->viewport()->width());
-    connect(d->listView, &NoteListView::widthChanged, this,
-            [this](int width) { d->rows->setColumnWidth(width); });
-    connect(d->listView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            [this] { d->selectionDidChange(); });
-    connect(d->listView, &QAbstractItemView::doubleClicked, this, [this] { editSelectedNote(); });
-    connect(d->model, &NodeListModel::noteToEditAfterDrop, this,
-            [this](const NodePtr& note) { d->showEditNode(note); });
+    m_listView->setModel(m_model);
+    m_listView->setItemDelegate(m_rows);
+    m_listView->setAccessibleName(tr("Notes"));
+    m_rows->setColumnWidth(m_listView->viewport()->width());
+    connect(m_listView, &NoteListView::widthChanged, m_rows, &NodeRowDelegate::setColumnWidth);
+    connect(m_listView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &NoteColumn::selectionDidChange);
+    connect(m_listView, &QAbstractItemView::doubleClicked, this, &NoteColumn::editSelectedNote);
+    connect(m_model, &NodeListModel::noteToEditAfterDrop, this, &NoteColumn::showEditor);
 
-    d->noEntriesLabel->setObjectName(QStringLiteral("noEntriesLabel"));
-    d->noEntriesLabel->setAlignment(Qt::AlignCenter);
-    d->noEntriesLabel->setWordWrap(true);
-    d->noEntriesLabel->setForegroundRole(QPalette::PlaceholderText);
+    m_emptyLabel->setObjectName(QStringLiteral("emptyLabel"));
+    m_emptyLabel->setAlignment(Qt::AlignCenter);
+    m_emptyLabel->setWordWrap(true);
+    m_emptyLabel->setForegroundRole(QPalette::PlaceholderText);
     // Drops and clicks over the label belong to the list beneath it.
-    d->noEntriesLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_emptyLabel->setAttribute(Qt::WA_TransparentForMouseEvents);
     setDepth(0);
 
-    d->addButton->setTitle(tr("Add Note"));
-    d->addButton->setToolTip(tr("Add a note at the end of this column"));
-    connect(d->addButton, &AddNoteButton::clicked, this, [this] { addNote(); });
+    m_addButton->setTitle(tr("Add Note"));
+    m_addButton->setToolTip(tr("Add a note at the end of this column"));
+    connect(m_addButton, &AddNoteButton::clicked, this, &NoteColumn::addNote);
 
     auto* list = new QGridLayout;
-    list->addWidget(d->listView, 0, 0);
-    list->addWidget(d->noEntriesLabel, 0, 0, Qt::AlignCenter);
+    list->addWidget(m_listView, 0, 0);
+    list->addWidget(m_emptyLabel, 0, 0, Qt::AlignCenter);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(list, 1);
     auto* buttonRow = new QHBoxLayout;
     const int margin = style()->pixelMetric(QStyle::PM_LayoutLeftMargin);
     buttonRow->setContentsMargins(margin, margin, margin, margin);
-    buttonRow->addWidget(d->addButton);
+    buttonRow->addWidget(m_addButton);
     layout->addLayout(buttonRow);
-    setFocusProxy(d->listView);
+    setFocusProxy(m_listView);
 
     if (document) {
-        d->updater = std::make_unique<ColumnUpdater>(*document, *d->model, *d->listView, *d->rows);
-        d->observer = document->addObserver(
-            [this](const DocumentUpdate& update) { d->documentDidUpdate(update); });
+        m_updater = std::make_unique<ColumnUpdater>(*document, *m_model, *m_listView, *m_rows);
+        m_observer = document->addObserver(
+            [this](const DocumentUpdate& update) { documentDidUpdate(update); });
     }
-    d->updateUI();
+    updateEmptyLabel();
 }
 
 NoteColumn::~NoteColumn() {
-    if (d->document && d->observer)
-        d->document->removeObserver(d->observer);
+    if (m_document && m_observer)
+        m_document->removeObserver(m_observer);
     // A note still being typed never happened.
-    if (d->temporaryNode && d->model->representedNode()) {
-        auto& children = d->model->representedNode()->children();
-        children.erase(std::remove(children.begin(), children.end(), d->temporaryNode),
+    if (m_temporaryNode && representedNode()) {
+        auto& children = representedNode()->children();
+        children.erase(std::remove(children.begin(), children.end(), m_temporaryNode),
                        children.end());
     }
 }
 
-Document* NoteColumn::document() const {
-    return d->document;
-}
-
 const NodePtr& NoteColumn::representedNode() const {
-    return d->model->representedNode();
+    return m_model->representedNode();
 }
 
 void NoteColumn::setRepresentedNode(NodePtr node) {
-    d->model->setRepresentedNode(std::move(node));
-    d->updateUI();
-}
-
-int NoteColumn::depth() const {
-    return d->depth;
+    m_model->setRepresentedNode(std::move(node));
+    updateEmptyLabel();
 }
 
 void NoteColumn::setDepth(int depth) {
-    d->depth = depth;
-    d->noEntriesLabel->setText(depth > 0 ? tr("No sub-notes yet") : tr("No notes yet"));
-}
-
-bool NoteColumn::isColumnEnabled() const {
-    return d->enabled;
+    m_depth = depth;
+    m_emptyLabel->setText(depth > 0 ? tr("No sub-notes yet") : tr("No notes yet"));
 }
 
 void NoteColumn::setColumnEnabled(bool enabled) {
-    d->enabled = enabled;
-    d->addButton->setEnabled(enabled);
-    d->listView->setEnabled(enabled);
-    d->listView->viewport()->update();
+    m_enabled = enabled;
+    m_addButton->setEnabled(enabled);
+    m_listView->setEnabled(enabled);
+    m_listView->viewport()->update();
 }
 
 void NoteColumn::takeFocus() {
-    if (!d->model->representedNode())
+    if (!representedNode())
         return;
-    if (d->rowCount() == 0) {
-        d->addButton->setFocus(Qt::OtherFocusReason);
+    if (rowCount() == 0) {
+        m_addButton->setFocus(Qt::OtherFocusReason);
     } else {
-        d->listView->setFocus(Qt::OtherFocusReason);
-        if (d->listView->selectedRow() < 0)
+        m_listView->setFocus(Qt::OtherFocusReason);
+        if (m_listView->selectedRow() < 0)
             selectRow(0);
     }
-    d->scrollIntoView();
-}
-
-void NoteColumn::addNote() {
-    if (const NodePtr& node = d->model->representedNode())
-        d->addNewNodeAtIndex(node->children().size());
-}
-
-void NoteColumn::addNoteBeneath() {
-    const NodePtr& node = d->model->representedNode();
-    if (!node)
-        return;
-    const int row = d->listView->selectedRow();
-    d->addNewNodeAtIndex(d->isValidRow(row) ? static_cast<std::size_t>(row) + 1
-                                            : node->children().size());
-}
-
-void NoteColumn::editSelectedNote() {
-    const int row = d->listView->selectedRow();
-    if (!d->model->representedNode() || !d->isValidRow(row))
-        return;
-    const NodePtr node = d->model->nodeAt(row);
-    if (!node)
-        return;
-    if (!node->imageIdentifier()) {
-        d->showEditNode(node);
-        return;
-    }
-    const auto file = d->document ? d->document->url(*node->imageIdentifier()) : std::nullopt;
-    if (file)
-        QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file->string())));
-    else if (d->prompts.reportMissingPicture)
-        d->prompts.reportMissingPicture(this);
-}
-
-void NoteColumn::deleteSelectedNote() {
-    d->deleteSelectedNode();
+    scrollIntoView();
 }
 
 bool NoteColumn::canPaste() const {
     const QMimeData* clipboard = QGuiApplication::clipboard()->mimeData();
-    return d->enabled && !d->temporaryNode && clipboard && d->model->canPaste(*clipboard);
+    return m_enabled && !m_temporaryNode && clipboard && m_model->canPaste(*clipboard);
 }
 
 bool NoteColumn::paste() {
     const QMimeData* clipboard = QGuiApplication::clipboard()->mimeData();
-    return d->enabled && !d->temporaryNode && clipboard && d->model->paste(*clipboard);
+    return m_enabled && !m_temporaryNode && clipboard && m_model->paste(*clipboard);
 }
 
 int NoteColumn::selectedRow() const {
-    return d->listView->selectedRow();
+    return m_listView->selectedRow();
 }
 
 NodePtr NoteColumn::selectedNode() const {
-    return d->model->nodeAt(d->listView->selectedRow());
+    return m_model->nodeAt(m_listView->selectedRow());
 }
 
 void NoteColumn::selectRow(int row) {
-    if (!d->isValidRow(row))
+    if (!isValidRow(row))
         return;
-    const QModelIndex index = d->model->index(row);
-    d->listView->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
-    d->listView->scrollTo(index);
-}
-
-const NodePtr& NoteColumn::temporaryNode() const {
-    return d->temporaryNode;
+    const QModelIndex index = m_model->index(row);
+    m_listView->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    m_listView->scrollTo(index);
 }
 
 void NoteColumn::setPrompts(ColumnPrompts prompts) {
-    d->prompts = std::move(prompts);
+    m_prompts = std::move(prompts);
 }
 
-NoteListView* NoteColumn::listView() const {
-    return d->listView;
+NoteColumn* NoteColumn::containing(QWidget* widget) {
+    for (; widget; widget = widget->parentWidget()) {
+        if (auto* column = qobject_cast<NoteColumn*>(widget))
+            return column;
+    }
+    return nullptr;
 }
 
 QSize NoteColumn::sizeHint() const {
@@ -218,8 +173,103 @@ bool NoteColumn::event(QEvent* event) {
 }
 
 void NoteColumn::keyPressEvent(QKeyEvent* event) {
-    if (!d->perform(columnCommandForKey(*event)))
+    if (!perform(columnCommandForKey(*event)))
         QWidget::keyPressEvent(event);
+}
+
+int NoteColumn::rowCount() const {
+    return m_model->rowCount();
+}
+
+void NoteColumn::updateEmptyLabel() {
+    const NodePtr& node = representedNode();
+    m_emptyLabel->setVisible(!node || node->children().empty());
+}
+
+void NoteColumn::selectionDidChange() {
+    if (m_selectionHandlingSuspended)
+        return;
+    const int row = m_listView->selectedRow();
+    if (isValidRow(row))
+        emit noteSelected(m_model->nodeAt(row));
+    else
+        emit selectionCleared();
+    m_listView->viewport()->update();
+}
+
+void NoteColumn::documentDidUpdate(const DocumentUpdate& update) {
+    if (!representedNode() || !m_updater)
+        return;
+    // The row operation may move or clear the selection; the navigation hears once, afterwards,
+    // and only when the selected note changed.
+    const NodePtr before = selectedNode();
+    m_selectionHandlingSuspended = true;
+    m_updater->apply(update);
+    m_selectionHandlingSuspended = false;
+    updateEmptyLabel();
+    if (selectedNode() != before)
+        selectionDidChange();
+}
+
+bool NoteColumn::perform(ColumnCommand command) {
+    switch (command) {
+    case ColumnCommand::None:
+        return false;
+    case ColumnCommand::DeleteNote:
+        deleteSelectedNote();
+        break;
+    case ColumnCommand::OpenNote:
+        editSelectedNote();
+        break;
+    case ColumnCommand::FocusLeft:
+        emit focusLeftRequested();
+        break;
+    case ColumnCommand::FocusRight:
+        emit focusRightRequested();
+        break;
+    case ColumnCommand::MoveUp:
+        moveUp();
+        break;
+    case ColumnCommand::MoveDown:
+        moveDown();
+        break;
+    case ColumnCommand::PreviewPicture:
+        previewSelectedPicture();
+        break;
+    case ColumnCommand::Typing:
+        break;
+    }
+    return true;
+}
+
+// Text notes have nothing to show; Space on them is swallowed like other typing.
+void NoteColumn::previewSelectedPicture() {
+    const NodePtr node = selectedNode();
+    if (node && node->imageIdentifier())
+        emit picturePreviewRequested(node);
+}
+
+void NoteColumn::moveUp() {
+    if (!representedNode() || !m_addButton->hasFocus() || rowCount() == 0)
+        return;
+    selectRow(rowCount() - 1);
+    m_listView->setFocus(Qt::OtherFocusReason);
+}
+
+void NoteColumn::moveDown() {
+    if (!representedNode() || m_addButton->hasFocus())
+        return;
+    m_listView->selectionModel()->clearSelection();
+    m_addButton->setFocus(Qt::OtherFocusReason);
+}
+
+void NoteColumn::scrollIntoView() {
+    for (QWidget* widget = parentWidget(); widget; widget = widget->parentWidget()) {
+        if (auto* area = qobject_cast<QScrollArea*>(widget)) {
+            area->ensureWidgetVisible(this, 0, 0);
+            return;
+        }
+    }
 }
 
 } // namespace quillery

@@ -1,18 +1,28 @@
 #pragma once
 
+#include "columns/ColumnCommand.h"
+#include "columns/ColumnPrompts.h"
 #include "columns/NoteEditorPanel.h"
 #include "model/NotebookNode.h"
 
 #include <QWidget>
 
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
 class QLabel;
 
 namespace quillery {
 
-class NoteListView;
-class Document;
 class AddNoteButton;
-struct ColumnPrompts;
+class ColumnUpdater;
+class Document;
+class NodeListModel;
+class NodeRowDelegate;
+class NoteListView;
+struct DocumentUpdate;
 
 // One column: the children of one note as a list, the "No sub-notes yet" label and the add
 // button. It turns keys, clicks and drops into the document's edit operations and follows the
@@ -27,15 +37,15 @@ public:
     explicit NoteColumn(Document* document, QWidget* parent = nullptr);
     ~NoteColumn() override;
 
-    Document* document() const;
+    Document* document() const { return m_document; }
 
     const NodePtr& representedNode() const;
     void setRepresentedNode(NodePtr node);
-    int depth() const;
+    int depth() const { return m_depth; }
     void setDepth(int depth);
     // False while the navigation shows the editor: the list and button are disabled and the
     // unselected rows drawn dimmed.
-    bool isColumnEnabled() const;
+    bool isColumnEnabled() const { return m_enabled; }
     void setColumnEnabled(bool enabled);
 
     // Takes the keyboard focus (the list, selecting row 0 when nothing is selected, or the add
@@ -45,6 +55,7 @@ public:
     // The Note menu's commands; they act on this column.
     void addNote();
     void addNoteBeneath();
+    // The editor for a text note; a picture note opens in the desktop's picture viewer.
     void editSelectedNote();
     // Deletes the selected note, asking first unless it is empty.
     void deleteSelectedNote();
@@ -59,12 +70,15 @@ public:
     NodePtr selectedNode() const;
     void selectRow(int row);
     // The new note being typed, present from an add command until its editor is done.
-    const NodePtr& temporaryNode() const;
+    const NodePtr& temporaryNode() const { return m_temporaryNode; }
 
-    // Replaces the confirmation dialogs and the file opener (tests use their own).
+    // Replaces the confirmation dialogs (tests use their own).
     void setPrompts(ColumnPrompts prompts);
 
-    NoteListView* listView() const;
+    NoteListView* listView() const { return m_listView; }
+
+    // The column that contains the widget, if any.
+    static NoteColumn* containing(QWidget* widget);
 
     QSize sizeHint() const override;
 
@@ -88,8 +102,41 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    class Private;
-    std::unique_ptr<Private> d;
+    int rowCount() const;
+    bool isValidRow(int row) const { return row >= 0 && row < rowCount(); }
+    void updateEmptyLabel();
+    void selectionDidChange();
+    void documentDidUpdate(const DocumentUpdate& update);
+    // False for keys that are no command of the column.
+    bool perform(ColumnCommand command);
+    void previewSelectedPicture();
+    void moveUp();
+    void moveDown();
+    void scrollIntoView();
+
+    // The new note: it sits among the children, unrecorded, until its editor is done.
+    void startNewNote(std::size_t index);
+    // Takes the new note out of the children (and its row out of the list) again; returns the
+    // index it had.
+    std::size_t removeTemporaryNode();
+    void showEditor(const NodePtr& node);
+    void editorFinished(const NodePtr& node, const std::string& text);
+    void editorCancelled(const NodePtr& node);
+
+    Document* m_document;
+    NodeListModel* m_model;
+    NodeRowDelegate* m_rows;
+    NoteListView* m_listView;
+    QLabel* m_emptyLabel;
+    AddNoteButton* m_addButton;
+    std::unique_ptr<ColumnUpdater> m_updater;
+    ColumnPrompts m_prompts = ColumnPrompts::standard();
+    int m_depth = 0;
+    bool m_enabled = true;
+    NodePtr m_temporaryNode;
+    bool m_temporaryRowShown = false;
+    bool m_selectionHandlingSuspended = false;
+    std::uint64_t m_observer = 0;
 };
 
 } // namespace quillery

@@ -81,7 +81,7 @@ TEST_F(AppCommandsTest, AddNoteWithAFocusedColumnIsTheColumns) {
     column.activateWindow();
     column.takeFocus();
     QCoreApplication::processEvents();
-    ASSERT_EQ(AppCommands::columnContaining(QApplication::focusWidget()), &column);
+    ASSERT_EQ(NoteColumn::containing(QApplication::focusWidget()), &column);
     delegate.addNote();
     EXPECT_EQ(newDocuments, 0);
 }

@@ -59,7 +59,7 @@ protected:
     }
 
     NoteColumn* focusedColumn() const {
-        return AppCommands::columnContaining(QApplication::focusWidget());
+        return NoteColumn::containing(QApplication::focusWidget());
     }
 
     static QAction& action(DocumentWindow& window, const char* name) {

@@ -133,9 +133,7 @@ protected:
         QTest::keyClick(target, key, modifiers);
     }
 
-    QLabel* emptyLabel() const {
-        return column->findChild<QLabel*>(QStringLiteral("noEntriesLabel"));
-    }
+    QLabel* emptyLabel() const { return column->findChild<QLabel*>(QStringLiteral("emptyLabel")); }
     AddNoteButton* addButton() const { return column->findChild<AddNoteButton*>(); }
 
     std::vector<std::string> texts(const NodePtr& parent) const {

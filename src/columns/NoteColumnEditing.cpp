@@ -1,0 +1,137 @@
+// The column's edit commands: adding a note (the one edit that waits for its editor before it is
+// recorded), editing, deleting, and the note editor's outcome.
+#include "columns/NodeListModel.h"
+#include "columns/NoteColumn.h"
+#include "columns/NoteListView.h"
+#include "document/Document.h"
+
+#include <QDesktopServices>
+#include <QTimer>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace quillery {
+
+void NoteColumn::addNote() {
+    if (const NodePtr& node = representedNode())
+        startNewNote(node->children().size());
+}
+
+void NoteColumn::addNoteBeneath() {
+    const NodePtr& node = representedNode();
+    if (!node)
+        return;
+    const int row = m_listView->selectedRow();
+    startNewNote(isValidRow(row) ? static_cast<std::size_t>(row) + 1 : node->children().size());
+}
+
+void NoteColumn::editSelectedNote() {
+    const int row = m_listView->selectedRow();
+    if (!representedNode() || !isValidRow(row))
+        return;
+    const NodePtr node = m_model->nodeAt(row);
+    if (!node)
+        return;
+    if (!node->imageIdentifier()) {
+        showEditor(node);
+        return;
+    }
+    const auto file = m_document ? m_document->url(*node->imageIdentifier()) : std::nullopt;
+    if (file)
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file->string())));
+    else if (m_prompts.reportMissingPicture)
+        m_prompts.reportMissingPicture(this);
+}
+
+void NoteColumn::deleteSelectedNote() {
+    const int row = m_listView->selectedRow();
+    if (!representedNode() || !isValidRow(row))
+        return;
+    const NodePtr node = m_model->nodeAt(row);
+    if (!node || !m_document)
+        return;
+    if (!node->isEmpty() && m_prompts.confirmDelete && !m_prompts.confirmDelete(this))
+        return;
+    m_document->userDidDelete(*node);
+}
+
+void NoteColumn::startNewNote(std::size_t index) {
+    const NodePtr& parent = representedNode();
+    if (!parent || m_temporaryNode)
+        return;
+    // The one edit that bypasses the document: the note sits among the children, unrecorded,
+    // until its editor is done; only then is it recorded, with its text.
+    m_temporaryNode = NotebookNode::create(parent->identifier(), std::string());
+    m_temporaryRowShown = false;
+    auto& children = parent->children();
+    children.insert(children.begin() +
+                        static_cast<std::ptrdiff_t>(std::min(index, children.size())),
+                    m_temporaryNode);
+    QTimer::singleShot(0, this, [this, node = m_temporaryNode] {
+        if (m_temporaryNode != node)
+            return;
+        const auto& current = representedNode()->children();
+        const auto found = std::find(current.begin(), current.end(), node);
+        if (found == current.end())
+            return;
+        const int row = static_cast<int>(found - current.begin());
+        m_model->insertRowAt(row);
+        m_temporaryRowShown = true;
+        m_listView->scrollTo(m_model->index(row));
+        updateEmptyLabel();
+        showEditor(node);
+    });
+}
+
+std::size_t NoteColumn::removeTemporaryNode() {
+    auto& children = representedNode()->children();
+    const auto found = std::find(children.begin(), children.end(), m_temporaryNode);
+    const auto index = static_cast<std::size_t>(found - children.begin());
+    if (found != children.end()) {
+        children.erase(found);
+        if (m_temporaryRowShown)
+            m_model->removeRowAt(static_cast<int>(index));
+    }
+    m_temporaryNode.reset();
+    m_temporaryRowShown = false;
+    return std::min(index, children.size());
+}
+
+void NoteColumn::showEditor(const NodePtr& node) {
+    // Parented to the column until the navigation places it.
+    auto* editor = new NoteEditorPanel(this);
+    editor->hide();
+    editor->setNote(node);
+    connect(editor, &NoteEditorPanel::finished, this, &NoteColumn::editorFinished);
+    connect(editor, &NoteEditorPanel::cancelled, this, &NoteColumn::editorCancelled);
+    emit editorRequested(editor);
+}
+
+void NoteColumn::editorFinished(const NodePtr& node, const std::string& text) {
+    const NodePtr represented = representedNode();
+    if (!represented)
+        return;
+    if (m_temporaryNode && node == m_temporaryNode) {
+        const NodePtr newNode = m_temporaryNode;
+        newNode->setText(text);
+        const std::size_t index = removeTemporaryNode();
+        // Recorded whatever its text, an empty one too; the row comes back with the update.
+        if (m_document)
+            m_document->userDidAdd(*newNode, *represented, static_cast<long>(index));
+        QTimer::singleShot(0, this, [this, row = static_cast<int>(index)] { selectRow(row); });
+    } else if (m_document && node) {
+        m_document->userDidModify(*node, text);
+    }
+    updateEmptyLabel();
+    emit editorDone();
+}
+
+void NoteColumn::editorCancelled(const NodePtr& node) {
+    if (m_temporaryNode && node == m_temporaryNode && representedNode())
+        removeTemporaryNode();
+    updateEmptyLabel();
+    emit editorDone();
+}
+
+} // namespace quillery
