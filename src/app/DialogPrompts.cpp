@@ -50,9 +50,8 @@ std::optional<std::filesystem::path> DialogPrompts::chooseDocumentToOpen(QWidget
     PackageFileDialog dialog(parent, QFileDialog::AcceptOpen, startDirectory());
     const bool accepted = dialog.exec() == QDialog::Accepted;
     m_lastDirectory = dialog.directory().absolutePath();
-    if (!accepted || !dialog.chosenPackage()) {
+    if (!accepted || !dialog.chosenPackage())
         return std::nullopt;
-    }
     m_lastDirectory =
         QFileInfo(QString::fromStdString(dialog.chosenPackage()->string())).absolutePath();
     return dialog.chosenPackage();
@@ -64,16 +63,14 @@ DialogPrompts::chooseSaveLocation(QWidget* parent, const QString& suggestedName)
     dialog.selectFile(PackageFileDialog::withPackageSuffix(suggestedName));
     const bool accepted = dialog.exec() == QDialog::Accepted;
     m_lastDirectory = dialog.directory().absolutePath();
-    if (!accepted) {
+    if (!accepted)
         return std::nullopt;
-    }
     return dialog.chosenPackage();
 }
 
 QString DialogPrompts::startDirectory() const {
-    if (!m_lastDirectory.isEmpty() && QFileInfo(m_lastDirectory).isDir()) {
+    if (!m_lastDirectory.isEmpty() && QFileInfo(m_lastDirectory).isDir())
         return m_lastDirectory;
-    }
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     return QFileInfo(documents).isDir() ? documents : QDir::homePath();
 }

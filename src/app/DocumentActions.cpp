@@ -25,9 +25,8 @@ QAction* addAction(QMenu* menu, const QString& text, const QString& name,
                    QKeySequence::StandardKey key, const QKeySequence& fallback = {}) {
     QAction* action = addAction(menu, text, name);
     QList<QKeySequence> keys = QKeySequence::keyBindings(key);
-    if (keys.isEmpty() && !fallback.isEmpty()) {
+    if (keys.isEmpty() && !fallback.isEmpty())
         keys.append(fallback);
-    }
     action->setShortcuts(keys);
     return action;
 }

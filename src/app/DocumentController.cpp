@@ -23,14 +23,12 @@ const std::string kPackageSuffix = ".quillery";
 std::filesystem::path packageOf(const std::filesystem::path& location) {
     std::error_code error;
     std::filesystem::path path = std::filesystem::absolute(location, error).lexically_normal();
-    if (!path.has_filename()) {
+    if (!path.has_filename())
         path = path.parent_path();
-    }
     for (std::filesystem::path p = path; p.has_parent_path() && p != p.parent_path();
          p = p.parent_path()) {
-        if (p.extension() == kPackageSuffix && std::filesystem::is_directory(p, error)) {
+        if (p.extension() == kPackageSuffix && std::filesystem::is_directory(p, error))
             return p;
-        }
     }
     return path;
 }
@@ -53,9 +51,8 @@ DocumentController::DocumentController(Preferences& preferences, const PictureCo
 // this controller was given; they must go before those do.
 DocumentController::~DocumentController() {
     const std::vector<DocumentWindow*> windows = m_windows;
-    for (DocumentWindow* window : windows) {
+    for (DocumentWindow* window : windows)
         delete window;
-    }
 }
 
 std::unique_ptr<Document> DocumentController::makeDocument() const {
@@ -76,9 +73,8 @@ DocumentController::readDocument(const std::filesystem::path& location) const {
                              tr("“%1” is not a Quillery notebook.").arg(name).toStdString()}};
     }
     auto document = makeDocument();
-    if (auto failure = package::read(*document, location, m_codec)) {
+    if (auto failure = package::read(*document, location, m_codec))
         return {nullptr, std::move(failure)};
-    }
     return {std::move(document), std::nullopt};
 }
 
@@ -117,26 +113,22 @@ DocumentWindow* DocumentController::openDocument(const std::filesystem::path& lo
                          [](DocumentWindow* open) { return open->isUntouchedAndUntitled(); });
     DocumentWindow* window = addWindow(std::move(result.document), QString());
     window->show();
-    for (DocumentWindow* open : unused) {
+    for (DocumentWindow* open : unused)
         open->close();
-    }
     rememberOpenNotebooks();
     return window;
 }
 
 void DocumentController::openWithDialog(QWidget* dialogParent) {
-    if (auto location = m_prompts.chooseDocumentToOpen(dialogParent)) {
+    if (auto location = m_prompts.chooseDocumentToOpen(dialogParent))
         openDocument(*location, dialogParent);
-    }
 }
 
 void DocumentController::openForAnotherStart(const QStringList& packages) {
-    for (const QString& package : packages) {
+    for (const QString& package : packages)
         openDocument(package.toStdString());
-    }
-    if (!packages.isEmpty()) {
+    if (!packages.isEmpty())
         return;
-    }
     if (m_windows.empty()) {
         newDocument();
         return;
@@ -150,9 +142,8 @@ void DocumentController::openForAnotherStart(const QStringList& packages) {
 std::size_t DocumentController::restoreSession() {
     for (const QString& path : m_session.openNotebooks()) {
         std::error_code error;
-        if (std::filesystem::is_directory(path.toStdString(), error)) {
+        if (std::filesystem::is_directory(path.toStdString(), error))
             openDocument(path.toStdString());
-        }
     }
     rememberOpenNotebooks();
     return m_windows.size();
@@ -163,15 +154,13 @@ bool DocumentController::closeAll() {
     // Every question is answered before any window goes, so a Cancel leaves them all open.
     for (DocumentWindow* window : windows) {
         if (!window->prepareToClose()) {
-            for (DocumentWindow* each : windows) {
+            for (DocumentWindow* each : windows)
                 each->keepOpen();
-            }
             return false;
         }
     }
-    for (DocumentWindow* window : windows) {
+    for (DocumentWindow* window : windows)
         window->close();
-    }
     return true;
 }
 
@@ -180,9 +169,8 @@ void DocumentController::quit() {
     m_quitting = true;
     const bool closed = closeAll();
     m_quitting = false;
-    if (closed) {
+    if (closed)
         QCoreApplication::quit();
-    }
 }
 
 void DocumentController::rememberOpenNotebooks(const DocumentWindow* closing) {
@@ -190,24 +178,21 @@ void DocumentController::rememberOpenNotebooks(const DocumentWindow* closing) {
     for (const DocumentWindow* window : m_windows) {
         const auto& location = window->document().fileLocation();
         // A closed window is hidden at once but goes only when the event loop next runs.
-        if (window != closing && window->isVisible() && location) {
+        if (window != closing && window->isVisible() && location)
             paths.append(qtPath(*location));
-        }
     }
     m_session.setOpenNotebooks(paths);
 }
 
 void DocumentController::windowWillClose(const DocumentWindow& window) {
     m_session.setLastWindowSize(window.normalGeometry().size());
-    if (const auto& location = window.document().fileLocation()) {
+    if (const auto& location = window.document().fileLocation())
         m_session.setWindowGeometry(qtPath(*location), window.saveGeometry());
-    }
     const bool othersStay = std::ranges::any_of(m_windows, [&window](const DocumentWindow* other) {
         return other != &window && other->isVisible();
     });
-    if (!m_quitting && othersStay) {
+    if (!m_quitting && othersStay)
         rememberOpenNotebooks(&window);
-    }
 }
 
 DocumentWindow* DocumentController::addWindow(std::unique_ptr<Document> document,
@@ -221,21 +206,18 @@ DocumentWindow* DocumentController::addWindow(std::unique_ptr<Document> document
 
 void DocumentController::placeWindow(DocumentWindow& window) const {
     const auto& location = window.document().fileLocation();
-    if (location && window.restoreGeometry(m_session.windowGeometry(qtPath(*location)))) {
+    if (location && window.restoreGeometry(m_session.windowGeometry(qtPath(*location))))
         return;
-    }
-    if (const QSize size = m_session.lastWindowSize(); size.isValid()) {
+    if (const QSize size = m_session.lastWindowSize(); size.isValid())
         window.resize(size);
-    }
 }
 
 DocumentWindow* DocumentController::windowFor(const std::filesystem::path& location) const {
     std::error_code error;
     for (DocumentWindow* window : m_windows) {
         const auto& open = window->document().fileLocation();
-        if (open && std::filesystem::equivalent(*open, location, error)) {
+        if (open && std::filesystem::equivalent(*open, location, error))
             return window;
-        }
     }
     return nullptr;
 }

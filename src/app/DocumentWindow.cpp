@@ -95,17 +95,15 @@ bool DocumentWindow::isUntouchedAndUntitled() const {
 }
 
 bool DocumentWindow::save() {
-    if (!m_document->fileLocation()) {
+    if (!m_document->fileLocation())
         return saveAs();
-    }
     return saveInPlace();
 }
 
 bool DocumentWindow::saveAs() {
     const auto location = m_controller.prompts().chooseSaveLocation(this, displayName());
-    if (!location) {
+    if (!location)
         return false;
-    }
     m_autosaveTimer.stop();
     if (auto error = package::saveTo(*m_document, *location)) {
         m_controller.prompts().warn(
@@ -125,9 +123,8 @@ bool DocumentWindow::saveAs() {
 
 void DocumentWindow::revert() {
     const auto location = m_document->fileLocation();
-    if (!location) {
+    if (!location)
         return;
-    }
     if (m_document->hasUnsavedChanges() &&
         !m_controller.prompts().confirmRevert(this, displayName())) {
         return;
@@ -194,21 +191,18 @@ void DocumentWindow::connectActions() {
     connect(m_actions.close, &QAction::triggered, this, &QWidget::close);
     connect(m_actions.quit, &QAction::triggered, &m_controller, &DocumentController::quit);
     connect(m_actions.undo, &QAction::triggered, this, [this] {
-        if (m_undoManager->canUndo()) {
+        if (m_undoManager->canUndo())
             m_undoManager->undo();
-        }
     });
     connect(m_actions.redo, &QAction::triggered, this, [this] {
-        if (m_undoManager->canRedo()) {
+        if (m_undoManager->canRedo())
             m_undoManager->redo();
-        }
     });
     // Only a focused column pastes; a text field with the focus takes Ctrl+V for itself before
     // the shortcut is considered, and the action is disabled while the note editor is open.
     connect(m_actions.paste, &QAction::triggered, this, [this] {
-        if (NoteColumn* column = focusedColumn()) {
+        if (NoteColumn* column = focusedColumn())
             column->paste();
-        }
     });
     connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this,
             &DocumentWindow::updatePasteAction);
@@ -221,9 +215,8 @@ void DocumentWindow::connectActions() {
         // With no column to take it, the app-level command's fallback applies: a new
         // notebook.
         if (!sendToActiveColumn(&NoteColumn::addNote)) {
-            if (AppCommands* app = m_controller.appCommands()) {
+            if (AppCommands* app = m_controller.appCommands())
                 app->addNote();
-            }
         }
     });
     connect(m_actions.addNoteBeneath, &QAction::triggered, this,
@@ -249,9 +242,8 @@ void DocumentWindow::attachDocument() {
     m_document->setUndoManager(m_undoManager.get());
     m_undoManager->setChangeListener([this] { documentDidChange(); });
     m_observer = m_document->addObserver([this](const DocumentUpdate& update) {
-        if (update.type == NodeUpdateType::reloadedTree) {
+        if (update.type == NodeUpdateType::reloadedTree)
             rebuildContent();
-        }
         documentDidChange();
     });
 }
@@ -278,9 +270,8 @@ void DocumentWindow::showColumns() {
     m_content->show();
     connect(columnRow(), &ColumnRow::panelShownChanged, this, &DocumentWindow::updateActions);
     connect(columnRow(), &ColumnRow::panelShownChanged, this, [this](bool shown) {
-        if (m_liveMerge) {
+        if (m_liveMerge)
             m_liveMerge->setHeld(shown);
-        }
     });
 }
 
@@ -295,9 +286,8 @@ void DocumentWindow::rebuildContent() {
 
 void DocumentWindow::startLiveMerge() {
     m_liveMerge.reset();
-    if (!m_document->fileLocation()) {
+    if (!m_document->fileLocation())
         return;
-    }
     m_liveMerge =
         std::make_unique<LiveMerge>(*m_document, m_controller.preferences(), m_controller.codec());
     connect(m_liveMerge.get(), &LiveMerge::journalDamaged, this, [this](const QString& reason) {
@@ -312,9 +302,8 @@ void DocumentWindow::documentDidChange() {
     m_noteCommands->documentDidChange();
     updateTitle();
     updateActions();
-    if (m_document->fileLocation() && m_document->hasUnsavedChanges()) {
+    if (m_document->fileLocation() && m_document->hasUnsavedChanges())
         m_autosaveTimer.start();
-    }
 }
 
 void DocumentWindow::updateTitle() {
@@ -338,9 +327,8 @@ void DocumentWindow::updateActions() {
     m_actions.addNote->setEnabled(browsing);
     m_actions.addNoteBeneath->setEnabled(browsing);
     m_actions.editNote->setEnabled(browsing);
-    for (QAction* action : {m_actions.find, m_actions.findNext, m_actions.findPrevious}) {
+    for (QAction* action : {m_actions.find, m_actions.findNext, m_actions.findPrevious})
         action->setEnabled(browsing);
-    }
     m_noteCommands->setBrowsing(browsing);
     m_actions.revert->setEnabled(m_document->fileLocation().has_value());
     updatePasteAction();
@@ -352,9 +340,8 @@ void DocumentWindow::updatePasteAction() {
 }
 
 void DocumentWindow::autosave() {
-    if (m_document->fileLocation() && m_document->hasUnsavedChanges()) {
+    if (m_document->fileLocation() && m_document->hasUnsavedChanges())
         saveInPlace();
-    }
 }
 
 bool DocumentWindow::saveInPlace() {
@@ -370,9 +357,8 @@ bool DocumentWindow::saveInPlace() {
     }
     m_autosaveFailed = false;
     m_document->markSaved();
-    if (m_liveMerge) {
+    if (m_liveMerge)
         m_liveMerge->noteOwnSave();
-    }
     updateTitle();
     return true;
 }
@@ -381,15 +367,12 @@ bool DocumentWindow::mayClose() {
     // A notebook with a place on disk keeps the editor's text and saves without a question; an
     // untitled one asks first, so that Cancel leaves the editor open as it was.
     const bool untitled = !m_document->fileLocation();
-    if (!untitled) {
+    if (!untitled)
         finishEditing();
-    }
-    if (!m_document->hasUnsavedChanges() && !(untitled && editorHoldsChange())) {
+    if (!m_document->hasUnsavedChanges() && !(untitled && editorHoldsChange()))
         return true;
-    }
-    if (!untitled && saveInPlace()) {
+    if (!untitled && saveInPlace())
         return true;
-    }
     switch (m_controller.prompts().askToSaveChanges(this, displayName())) {
     case DocumentPrompts::SaveChoice::Save:
         finishEditing();
@@ -403,9 +386,8 @@ bool DocumentWindow::mayClose() {
 }
 
 void DocumentWindow::finishEditing() {
-    if (auto* editor = qobject_cast<NoteEditorPanel*>(columnRow()->panel())) {
+    if (auto* editor = qobject_cast<NoteEditorPanel*>(columnRow()->panel()))
         editor->finish();
-    }
 }
 
 bool DocumentWindow::editorHoldsChange() const {
@@ -423,9 +405,8 @@ void DocumentWindow::fillRecentMenu() {
         action->setToolTip(path);
         action->setStatusTip(path);
         connect(action, &QAction::triggered, this, [this, path] {
-            if (!m_controller.openDocument(path.toStdString(), this)) {
+            if (!m_controller.openDocument(path.toStdString(), this))
                 m_controller.recentDocuments().remove(path);
-            }
         });
     }
     if (paths.isEmpty()) {
@@ -439,18 +420,16 @@ void DocumentWindow::fillRecentMenu() {
 
 bool DocumentWindow::sendToActiveColumn(void (NoteColumn::*command)()) {
     NoteColumn* column = columnRow()->activeColumn();
-    if (!column) {
+    if (!column)
         return false;
-    }
     (column->*command)();
     return true;
 }
 
 NoteColumn* DocumentWindow::focusedColumn() const {
     // No columns between taking them down and showing new ones (Revert, closing).
-    if (!m_content || columnRow()->panel()) {
+    if (!m_content || columnRow()->panel())
         return nullptr;
-    }
     return NoteColumn::containing(focusWidget());
 }
 

@@ -54,9 +54,10 @@ void FindResultsModel::setResults(const SearchResults& results,
 }
 
 int FindResultsModel::rowOf(const Identifier& identifier) const {
-    for (std::size_t i = 0; i < m_rows.size(); ++i)
+    for (std::size_t i = 0; i < m_rows.size(); ++i) {
         if (m_rows[i].identifier == identifier)
             return static_cast<int>(i);
+    }
     return -1;
 }
 

@@ -47,9 +47,8 @@ LiveMerge::LiveMerge(Document& document, Preferences& preferences, const Picture
 LiveMerge::~LiveMerge() {
     for (QFutureWatcherBase* work : {static_cast<QFutureWatcherBase*>(&m_work->reading),
                                      static_cast<QFutureWatcherBase*>(&m_work->replaying)}) {
-        if (work->isRunning()) {
+        if (work->isRunning())
             work->waitForFinished();
-        }
     }
 }
 
@@ -61,16 +60,14 @@ void LiveMerge::noteOwnSave() {
     m_watcher.markSeen(
         {QString::fromStdString(package_layout::journalFileName(m_document.clientIdentifier()))});
     // A save that found records of this installation it could not place asks for a replay.
-    if (m_document.needsReplay() && !isBusy()) {
+    if (m_document.needsReplay() && !isBusy())
         startReplay();
-    }
 }
 
 void LiveMerge::setHeld(bool held) {
     m_held = held;
-    if (!m_held && m_work->replayed) {
+    if (!m_held && m_work->replayed)
         adoptReplay();
-    }
 }
 
 void LiveMerge::journalsChanged() {
@@ -128,9 +125,8 @@ void LiveMerge::replayDone() {
         return;
     }
     m_work->replayed = true;
-    if (!m_held) {
+    if (!m_held)
         adoptReplay();
-    }
 }
 
 void LiveMerge::adoptReplay() {
@@ -147,9 +143,8 @@ void LiveMerge::adoptReplay() {
 
 void LiveMerge::finishRound() {
     emit settled();
-    if (m_pending) {
+    if (m_pending)
         startReading();
-    }
 }
 
 } // namespace quillery

@@ -45,8 +45,9 @@ void NoteCommands::setBrowsing(bool browsing) {
     m_actions.copy->setEnabled(false);
     m_actions.cut->setEnabled(false);
     for (QAction* action : {m_actions.deleteNote, m_actions.moveUp, m_actions.moveDown,
-                            m_actions.moveOut, m_actions.moveIn})
+                            m_actions.moveOut, m_actions.moveIn}) {
         action->setEnabled(browsing);
+    }
 }
 
 void NoteCommands::showDeletedNotes() {

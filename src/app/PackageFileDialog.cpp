@@ -43,9 +43,8 @@ QString PackageFileDialog::withPackageSuffix(const QString& path) {
 
 void PackageFileDialog::accept() {
     const QStringList files = selectedFiles();
-    if (files.isEmpty()) {
+    if (files.isEmpty())
         return;
-    }
     QString path = QDir::cleanPath(files.first());
     if (acceptMode() == AcceptSave) {
         if (QFileInfo(path).isDir() && !isPackage(path)) {
@@ -63,17 +62,15 @@ void PackageFileDialog::accept() {
         choose(path);
         return;
     }
-    if (isPackage(path)) {
+    if (isPackage(path))
         choose(path);
-    } else if (QFileInfo(path).isDir()) {
+    else if (QFileInfo(path).isDir())
         setDirectory(path);
-    }
 }
 
 void PackageFileDialog::enteredDirectory(const QString& directory) {
-    if (m_choosing || !isPackage(directory)) {
+    if (m_choosing || !isPackage(directory))
         return;
-    }
     if (acceptMode() == AcceptOpen) {
         choose(directory);
         return;

@@ -35,9 +35,8 @@ PackageWatcher::PackageWatcher(QString packagePath, QObject* parent)
 void PackageWatcher::markSeen(const QStringList& journals) {
     const Snapshot now = scan();
     for (const QString& name : journals) {
-        if (const auto found = now.find(name); found != now.end()) {
+        if (const auto found = now.find(name); found != now.end())
             m_seen[name] = found->second;
-        }
     }
 }
 
@@ -52,9 +51,8 @@ PackageWatcher::Snapshot PackageWatcher::scan() const {
     for (const QString& name : names) {
         struct stat status {};
         const QByteArray path = QFile::encodeName(m_packagePath + QLatin1Char('/') + name);
-        if (!isJournalName(name) || ::stat(path.constData(), &status) != 0) {
+        if (!isJournalName(name) || ::stat(path.constData(), &status) != 0)
             continue;
-        }
         journals[name] = {status.st_ino, status.st_size,
                           status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec};
     }
@@ -64,21 +62,18 @@ PackageWatcher::Snapshot PackageWatcher::scan() const {
 void PackageWatcher::watchPaths(const Snapshot& journals) {
     // A journal replaced by a rename is a new file: its old watch is gone, so watch it again.
     QStringList paths{m_packagePath};
-    for (const auto& [name, identity] : journals) {
+    for (const auto& [name, identity] : journals)
         paths.append(m_packagePath + QLatin1Char('/') + name);
-    }
     const QStringList watched = m_watcher.files() + m_watcher.directories();
     for (const QString& path : paths) {
-        if (!watched.contains(path)) {
+        if (!watched.contains(path))
             m_watcher.addPath(path);
-        }
     }
     // Without a watch on the folder, new journals would go unnoticed.
-    if (!m_watcher.directories().contains(m_packagePath)) {
+    if (!m_watcher.directories().contains(m_packagePath))
         m_poll.start();
-    } else {
+    else
         m_poll.stop();
-    }
 }
 
 void PackageWatcher::check() {
@@ -87,14 +82,12 @@ void PackageWatcher::check() {
     QStringList changed;
     for (const auto& [name, identity] : now) {
         const auto seen = m_seen.find(name);
-        if (seen == m_seen.end() || seen->second != identity) {
+        if (seen == m_seen.end() || seen->second != identity)
             changed.append(name);
-        }
     }
     m_seen = now;
-    if (!changed.isEmpty()) {
+    if (!changed.isEmpty())
         emit journalsChanged(changed);
-    }
 }
 
 } // namespace quillery

@@ -14,20 +14,17 @@ namespace quillery {
 QtPictureCodec::QtPictureCodec() {
     initAppResources();
     QImage image(QStringLiteral(":/placeholder.png"));
-    if (!image.isNull()) {
+    if (!image.isNull())
         m_placeholder = std::make_shared<QtPicture>(std::move(image));
-    }
 }
 
 PicturePtr QtPictureCodec::decode(std::span<const std::uint8_t> bytes) const {
-    if (bytes.empty()) {
+    if (bytes.empty())
         return nullptr;
-    }
     QImage image = decodePicture(QByteArray::fromRawData(
         reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())));
-    if (image.isNull()) {
+    if (image.isNull())
         return nullptr;
-    }
     return std::make_shared<QtPicture>(std::move(image));
 }
 

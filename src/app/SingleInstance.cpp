@@ -30,9 +30,8 @@ SingleInstance::SingleInstance(QString socketPath, QObject* parent)
 QString SingleInstance::defaultSocketPath() {
     // The runtime directory is the user's own; Qt falls back to a per-user one under /tmp.
     QString directory = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (directory.isEmpty()) {
+    if (directory.isEmpty())
         directory = QDir::tempPath();
-    }
     return directory + QStringLiteral("/quillery-%1.socket").arg(getuid());
 }
 
@@ -44,9 +43,8 @@ SingleInstance::Start SingleInstance::start(const QStringList& arguments) {
     lock.tryLock(kAnswerTimeoutMs);
     QLocalSocket socket;
     socket.connectToServer(m_socketPath);
-    if (socket.waitForConnected(kConnectTimeoutMs)) {
+    if (socket.waitForConnected(kConnectTimeoutMs))
         return handOff(socket, arguments) ? Start::HandedOff : Start::NoAnswer;
-    }
     // Nobody listens: whatever is at the path is left over from an app that ended badly.
     QLocalServer::removeServer(m_socketPath);
     m_server.listen(m_socketPath);
@@ -58,9 +56,8 @@ bool SingleInstance::handOff(QLocalSocket& socket, const QStringList& arguments)
     QDataStream stream(&message, QIODevice::WriteOnly);
     stream << arguments;
     socket.write(message);
-    if (!socket.waitForBytesWritten(kConnectTimeoutMs)) {
+    if (!socket.waitForBytesWritten(kConnectTimeoutMs))
         return false;
-    }
     while (socket.bytesAvailable() == 0 && socket.waitForReadyRead(kAnswerTimeoutMs)) {
     }
     return socket.read(1) == QByteArray(1, kReceived);
@@ -74,9 +71,8 @@ void SingleInstance::serveConnection() {
             stream.startTransaction();
             QStringList arguments;
             stream >> arguments;
-            if (!stream.commitTransaction()) {
+            if (!stream.commitTransaction())
                 return;
-            }
             // Answered first: opening may show a dialog, and the other start need not wait.
             socket->write(QByteArray(1, kReceived));
             socket->flush();

@@ -38,9 +38,8 @@ int main(int argc, char* argv[]) {
 
     // Made absolute here: the running app may have started in another directory.
     QStringList packages;
-    for (const QString& package : parser.positionalArguments()) {
+    for (const QString& package : parser.positionalArguments())
         packages.append(QFileInfo(package).absoluteFilePath());
-    }
     quillery::SingleInstance instance(quillery::SingleInstance::defaultSocketPath());
     switch (instance.start(packages)) {
     case quillery::SingleInstance::Start::HandedOff:
@@ -63,14 +62,11 @@ int main(int argc, char* argv[]) {
     QObject::connect(&instance, &quillery::SingleInstance::argumentsReceived, &controller,
                      &quillery::DocumentController::openForAnotherStart);
 
-    for (const QString& package : packages) {
+    for (const QString& package : packages)
         controller.openDocument(package.toStdString());
-    }
-    if (packages.isEmpty() && controller.restoreSession() == 0) {
+    if (packages.isEmpty() && controller.restoreSession() == 0)
         controller.newDocument();
-    }
-    if (controller.windows().empty()) {
+    if (controller.windows().empty())
         return 1;
-    }
     return app.exec();
 }

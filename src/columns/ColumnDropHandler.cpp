@@ -118,13 +118,15 @@ std::optional<NoteMove> planNoteDrop(const Document& document, const NotebookNod
             return std::nullopt;
         const NodePtr& target = children[static_cast<std::size_t>(row)];
         if (document.isNode(*dragged, *target) ||
-            target->identifier() == dragged->parentIdentifier())
+            target->identifier() == dragged->parentIdentifier()) {
             return std::nullopt;
+        }
         return NoteMove{dragged, target.get(), std::nullopt};
     }
     if (dragged.get() == &column || row < 0 || row > rowCount(column) ||
-        document.isNode(*dragged, column))
+        document.isNode(*dragged, column)) {
         return std::nullopt;
+    }
     std::optional<std::size_t> index;
     if (row < rowCount(column))
         index = static_cast<std::size_t>(row);
@@ -179,8 +181,9 @@ std::unique_ptr<QMimeData> addressCopiedAsText(const QMimeData& data) {
         return nullptr;
     const QUrl url(text, QUrl::StrictMode);
     if (!url.isValid() || url.host().isEmpty() ||
-        (url.scheme() != QStringLiteral("http") && url.scheme() != QStringLiteral("https")))
+        (url.scheme() != QStringLiteral("http") && url.scheme() != QStringLiteral("https"))) {
         return nullptr;
+    }
     auto address = std::make_unique<QMimeData>();
     address->setUrls({url});
     return address;
@@ -205,11 +208,12 @@ Qt::DropAction ColumnDropHandler::validateDrop(const NodePtr& representedNode,
                                                DropPosition position) const {
     if (!representedNode || data.formats().isEmpty())
         return Qt::IgnoreAction;
-    if (auto note = draggedNote(data, m_document))
+    if (auto note = draggedNote(data, m_document)) {
         return note->fromThisNotebook &&
                        planNoteDrop(m_document, *representedNode, note->identifier, row, position)
                    ? Qt::MoveAction
                    : Qt::IgnoreAction;
+    }
     if (hasPictureType(data))
         return Qt::CopyAction;
     if (droppedUrl(data))

@@ -68,8 +68,9 @@ void ColumnUpdater::apply(const DocumentUpdate& update) {
         break;
     case NodeUpdateType::changedParent: {
         if (!update.oldParentIdentifier || !update.newParentIdentifier || !update.oldChildIndex ||
-            !update.newChildIndex)
+            !update.newChildIndex) {
             return;
+        }
         if (represented->identifier() == *update.oldParentIdentifier) {
             removeRow(toRow(*update.oldChildIndex));
         } else if (represented->identifier() == *update.newParentIdentifier) {
@@ -78,8 +79,9 @@ void ColumnUpdater::apply(const DocumentUpdate& update) {
         }
         // Rows showing either parent have a new count of children.
         for (const Identifier* parent :
-             {&*update.newParentIdentifier, &*update.oldParentIdentifier})
+             {&*update.newParentIdentifier, &*update.oldParentIdentifier}) {
             m_model.refreshRow(m_model.rowShowing(*parent));
+        }
         break;
     }
     case NodeUpdateType::reloadedTree:
@@ -99,9 +101,10 @@ void ColumnUpdater::removeRow(int row) {
     const int count = m_model.rowCount();
     if (selected == count)
         selected = count - 1;
-    if (selected >= 0 && selected < count)
+    if (selected >= 0 && selected < count) {
         m_view.selectionModel()->setCurrentIndex(m_model.index(selected),
                                                  QItemSelectionModel::ClearAndSelect);
+    }
 }
 
 void ColumnUpdater::refreshRowShowingParentOf(const DocumentUpdate& update) {

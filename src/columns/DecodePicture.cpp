@@ -25,9 +25,10 @@ QImage decodePicture(const QByteArray& bytes, PictureSize size) {
     QImageReader reader(&buffer);
     reader.setAutoTransform(true);
     const QSize full = reader.size();
-    if (size == PictureSize::Shown && full.isValid() && isLargerThanShown(full))
+    if (size == PictureSize::Shown && full.isValid() && isLargerThanShown(full)) {
         reader.setScaledSize(
             full.scaled(kMaxShownPictureSide, kMaxShownPictureSide, Qt::KeepAspectRatio));
+    }
     return reader.read();
 }
 

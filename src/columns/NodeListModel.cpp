@@ -58,8 +58,9 @@ void NodeListModel::reload() {
 void NodeListModel::insertRowAt(int row) {
     const auto index = static_cast<std::size_t>(row);
     if (!m_representedNode || row < 0 || index > m_rows.size() ||
-        index >= m_representedNode->children().size())
+        index >= m_representedNode->children().size()) {
         return;
+    }
     beginInsertRows(QModelIndex(), row, row);
     m_rows.insert(m_rows.begin() + row, m_representedNode->children()[index]);
     endInsertRows();
@@ -185,9 +186,10 @@ bool NodeListModel::paste(const QMimeData& data) {
 }
 
 void NodeListModel::editAfterDrop(NodePtr note) {
-    if (note)
+    if (note) {
         QTimer::singleShot(0, this,
                            [this, note = std::move(note)] { emit noteToEditAfterDrop(note); });
+    }
 }
 
 Qt::DropActions NodeListModel::supportedDropActions() const {

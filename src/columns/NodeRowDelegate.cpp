@@ -222,13 +222,14 @@ void NodeRowDelegate::paintSelection(QPainter& painter, const QStyleOptionViewIt
     const bool emphasized =
         option.widget && option.widget->hasFocus() && option.state.testFlag(QStyle::State_Active);
     QColor color;
-    if (emphasized)
+    if (emphasized) {
         color = columnstyle::toQColor(Colors::rowHighlight());
-    else if (columnstyle::isDark(option.palette))
+    } else if (columnstyle::isDark(option.palette)) {
         color = QColor::fromRgbF(0.8f, 0.8f, 0.8f, 0.4f);
-    else
+    } else {
         // The design's light gray would vanish on a white list; the same gray, darker.
         color = QColor::fromRgbF(0.5f, 0.5f, 0.5f, 0.4f);
+    }
     painter.save();
     const QRectF bounds(option.rect);
     const qreal half = kSelectionOutlineWidth / 2;

@@ -31,13 +31,11 @@ public:
 
 // What a screen reader announces for a column: the note whose notes it lists.
 QString columnName(const NodePtr& node, int depth) {
-    if (depth == 0 || !node) {
+    if (depth == 0 || !node)
         return ColumnRow::tr("Top notes");
-    }
     const QString text = QString::fromStdString(node->text()).section(QLatin1Char('\n'), 0, 0);
-    if (text.trimmed().isEmpty()) {
+    if (text.trimmed().isEmpty())
         return ColumnRow::tr("Notes of a note without text");
-    }
     constexpr int kLongest = 40;
     const QString shown = text.size() > kLongest ? text.left(kLongest) + QStringLiteral("…") : text;
     return ColumnRow::tr("Notes of “%1”").arg(shown);
@@ -70,9 +68,8 @@ NodePtr ColumnRow::rootNode() const {
 
 NoteColumn* ColumnRow::column(int depth) const {
     const auto& all = items();
-    if (depth < 0 || depth >= static_cast<int>(all.size())) {
+    if (depth < 0 || depth >= static_cast<int>(all.size()))
         return nullptr;
-    }
     return qobject_cast<NoteColumn*>(all[static_cast<std::size_t>(depth)]);
 }
 
@@ -81,9 +78,8 @@ QWidget* ColumnRow::panel() const {
 }
 
 NoteColumn* ColumnRow::activeColumn() const {
-    if (panel()) {
+    if (panel())
         return nullptr;
-    }
     for (QWidget* widget = window()->focusWidget(); widget; widget = widget->parentWidget()) {
         if (auto* found = qobject_cast<NoteColumn*>(widget);
             found && found->parentWidget() == this) {
@@ -91,9 +87,8 @@ NoteColumn* ColumnRow::activeColumn() const {
         }
     }
     const auto& all = items();
-    if (m_lastActiveColumn && std::ranges::find(all, m_lastActiveColumn.data()) != all.end()) {
+    if (m_lastActiveColumn && std::ranges::find(all, m_lastActiveColumn.data()) != all.end())
         return m_lastActiveColumn;
-    }
     return column(0);
 }
 
@@ -106,9 +101,8 @@ void ColumnRow::showPanel(QWidget* panel, int depth) {
 }
 
 void ColumnRow::closePanel() {
-    if (!panel()) {
+    if (!panel())
         return;
-    }
     m_slots.closePanel();
     emit panelShownChanged(false);
 }
@@ -126,22 +120,19 @@ int ColumnRow::panelWidth() const {
 }
 
 void ColumnRow::showPicture(const NoteColumn& column, const NodePtr& node) {
-    if (!m_document || !node || !node->imageIdentifier()) {
+    if (!m_document || !node || !node->imageIdentifier())
         return;
-    }
     const PicturePtr picture = m_document->image(*node->imageIdentifier());
-    if (!picture) {
+    if (!picture)
         return;
-    }
     auto* imagePanel = new PicturePanel;
     imagePanel->setObjectName(QStringLiteral("PicturePanel"));
     imagePanel->setImage(QtPicture::imageOf(picture));
     connect(imagePanel, &PicturePanel::finished, this, &ColumnRow::closePanel);
     showPanel(imagePanel, column.depth() + 1);
     // Escape and the zoom keys should work without a click on the picture first.
-    if (panel() == imagePanel) {
+    if (panel() == imagePanel)
         imagePanel->setFocus(Qt::OtherFocusReason);
-    }
 }
 
 void ColumnRow::showEvent(QShowEvent* event) {
@@ -160,9 +151,8 @@ void ColumnRow::paintEvent(QPaintEvent*) {
 
 void ColumnRow::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::FontChange) {
+    if (event->type() == QEvent::FontChange)
         applyWidths();
-    }
 }
 
 QWidget* ColumnRow::makeColumn(const NodePtr& node, int depth) {
@@ -232,9 +222,8 @@ void ColumnRow::later(std::function<void()> step) {
 }
 
 void ColumnRow::applyWidths() {
-    for (QWidget* item : items()) {
+    for (QWidget* item : items())
         item->setFixedWidth(isColumn(item) ? columnWidth() : panelWidth());
-    }
 }
 
 void ColumnRow::noteFocus(QWidget* now) {

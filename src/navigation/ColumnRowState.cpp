@@ -25,18 +25,16 @@ std::vector<const NotebookNode*> pathTo(const Document& document, const Identifi
         path.push_back(at);
         at = at->parentNode();
     }
-    if (at != document.rootNode().get()) {
+    if (at != document.rootNode().get())
         return {};
-    }
     std::ranges::reverse(path);
     return path;
 }
 
 int rowOf(const NoteColumn& column, const NotebookNode* node) {
     const NodePtr& parent = column.representedNode();
-    if (!parent) {
+    if (!parent)
         return -1;
-    }
     const auto& children = parent->children();
     const auto found = std::ranges::find_if(
         children, [node](const NodePtr& child) { return child.get() == node; });
@@ -51,44 +49,38 @@ ColumnRowState ColumnRowState::capture(const ColumnScrollArea& content) {
     for (int depth = 0; const NoteColumn* column = split.column(depth); ++depth) {
         state.columnScroll.push_back(column->listView()->verticalScrollBar()->value());
         const NodePtr selected = column->selectedNode();
-        if (!selected) {
+        if (!selected)
             break;
-        }
         state.selection.push_back(selected->identifier());
     }
     state.rowScroll = content.horizontalScrollBar()->value();
-    if (const NoteColumn* active = split.activeColumn(); active && active->hasFocus()) {
+    if (const NoteColumn* active = split.activeColumn(); active && active->hasFocus())
         state.focusedDepth = active->depth();
-    }
     return state;
 }
 
 void ColumnRowState::restore(ColumnScrollArea& content, const Document& document) const {
     ColumnRow& split = *content.columnRow();
     std::vector<const NotebookNode*> path;
-    for (auto it = selection.rbegin(); it != selection.rend() && path.empty(); ++it) {
+    for (auto it = selection.rbegin(); it != selection.rend() && path.empty(); ++it)
         path = pathTo(document, *it);
-    }
     for (std::size_t depth = 0; depth < path.size(); ++depth) {
         NoteColumn* column = split.column(static_cast<int>(depth));
         const int row = column ? rowOf(*column, path[depth]) : -1;
-        if (row < 0) {
+        if (row < 0)
             break;
-        }
         column->selectRow(row);
     }
     // Scroll ranges are known only once the new columns have been laid out.
     QTimer::singleShot(0, &content, [state = *this, &content] {
         ColumnRow& laidOut = *content.columnRow();
         for (std::size_t depth = 0; depth < state.columnScroll.size(); ++depth) {
-            if (NoteColumn* column = laidOut.column(static_cast<int>(depth))) {
+            if (NoteColumn* column = laidOut.column(static_cast<int>(depth)))
                 column->listView()->verticalScrollBar()->setValue(state.columnScroll[depth]);
-            }
         }
         content.horizontalScrollBar()->setValue(state.rowScroll);
-        if (state.focusedDepth >= 0) {
+        if (state.focusedDepth >= 0)
             laidOut.focusColumn(state.focusedDepth);
-        }
     });
 }
 

@@ -54,9 +54,8 @@ public:
 
     // Makes the first column, on the root (absent without a document); only the first call does.
     void loadRootNode(const NodePtr& root) {
-        if (m_loadedRootNode) {
+        if (m_loadedRootNode)
             return;
-        }
         appendColumn(root, 0);
         m_loadedRootNode = true;
     }
@@ -65,52 +64,45 @@ public:
     // column opens for the note, even when the note was shown there already. Ignored while a
     // panel is shown, since the columns left of it are disabled and their selection frozen.
     void select(int depth, const NodePtr& node) {
-        if (m_panel) {
+        if (m_panel)
             return;
-        }
         closeItemsFrom(depth + 1);
         appendColumn(node, depth + 1);
     }
 
     void clearSelection(int depth) {
-        if (m_panel) {
+        if (m_panel)
             return;
-        }
         closeItemsFrom(depth + 1);
     }
 
     void moveLeft(int depth) {
-        if (depth > 0) {
+        if (depth > 0)
             focus(depth - 1);
-        }
     }
 
     void moveRight(int depth) {
-        if (depth < itemCount() - 1) {
+        if (depth < itemCount() - 1)
             focus(depth + 1);
-        }
     }
 
     // Gives the focus to the column at the index; a panel or a missing index is left alone.
     void focus(int index) {
-        if (index < 0 || index >= itemCount() || !m_host.isColumn(at(index))) {
+        if (index < 0 || index >= itemCount() || !m_host.isColumn(at(index)))
             return;
-        }
         m_host.focusColumn(at(index));
     }
 
     // Shows the panel as the item at the depth. Returns false, changing nothing, while another
     // panel is shown; the caller then disposes of the refused panel.
     bool showPanel(const Item& panel, int depth) {
-        if (m_panel) {
+        if (m_panel)
             return false;
-        }
         depth = std::clamp(depth, 0, itemCount());
         m_savedItems.clear();
         m_savedDepth = depth;
-        for (int i = 0; i < depth; ++i) {
+        for (int i = 0; i < depth; ++i)
             setEnabled(at(i), false);
-        }
         while (itemCount() > depth) {
             Item item = m_items[static_cast<std::size_t>(depth)];
             m_items.erase(m_items.begin() + depth);
@@ -121,9 +113,8 @@ public:
         m_items.push_back(panel);
         m_host.appendItem(panel);
         m_host.later([this, panel] {
-            if (m_panel == panel) {
+            if (m_panel == panel)
                 m_host.scrollToItem(panel);
-            }
         });
         return true;
     }
@@ -131,12 +122,10 @@ public:
     // Closes the panel, brings back the columns put aside and, on the next turn, scrolls to and
     // focuses the column that opened the panel. Nothing happens when no panel is shown.
     void closePanel() {
-        if (!m_panel) {
+        if (!m_panel)
             return;
-        }
-        for (int i = 0; i < m_savedDepth && i < itemCount(); ++i) {
+        for (int i = 0; i < m_savedDepth && i < itemCount(); ++i)
             setEnabled(at(i), true);
-        }
         Item panel = *m_panel;
         m_panel.reset();
         std::erase(m_items, panel);
@@ -148,13 +137,11 @@ public:
         m_savedItems.clear();
         m_host.later([this] {
             const int index = m_savedDepth - 1;
-            if (m_panel || index < 0 || index >= itemCount()) {
+            if (m_panel || index < 0 || index >= itemCount())
                 return;
-            }
             m_host.scrollToItem(at(index));
-            if (m_host.isColumn(at(index))) {
+            if (m_host.isColumn(at(index)))
                 m_host.focusColumn(at(index));
-            }
         });
     }
 
@@ -162,9 +149,8 @@ private:
     const Item& at(int index) const { return m_items[static_cast<std::size_t>(index)]; }
 
     void setEnabled(const Item& item, bool enabled) {
-        if (m_host.isColumn(item)) {
+        if (m_host.isColumn(item))
             m_host.setColumnEnabled(item, enabled);
-        }
     }
 
     void appendColumn(const NodePtr& node, int depth) {
