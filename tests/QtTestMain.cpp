@@ -40,11 +40,16 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("QuilleryTests"));
     QApplication::setApplicationName(QStringLiteral("QuilleryTests"));
+    const QStringList schemes{QStringLiteral("file"), QStringLiteral("http"),
+                              QStringLiteral("https"), QStringLiteral("mailto")};
     quillery::testing::UrlRecorder desktop;
-    for (const char* scheme : {"file", "http", "https", "mailto"})
-        QDesktopServices::setUrlHandler(QString::fromLatin1(scheme), &desktop, "open");
+    for (const QString& scheme : schemes)
+        QDesktopServices::setUrlHandler(scheme, &desktop, "open");
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    const int failed = RUN_ALL_TESTS();
+    for (const QString& scheme : schemes)
+        QDesktopServices::unsetUrlHandler(scheme);
+    return failed;
 }
 
 #include "QtTestMain.moc"

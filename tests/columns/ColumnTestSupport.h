@@ -1,9 +1,9 @@
 #pragma once
 
+#include "OpenedUrls.h"
+#include "QtPrinters.h"
 #include "columns/AddNoteButton.h"
-#include "columns/ColumnPrompts.h"
 #include "columns/NoteColumn.h"
-#include "columns/NoteEditorPanel.h"
 #include "columns/NoteListView.h"
 #include "columns/QtPicture.h"
 #include "document/Document.h"
@@ -11,7 +11,6 @@
 #include "document/UndoManager.h"
 
 #include <QApplication>
-#include <QImage>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QTest>
@@ -23,41 +22,34 @@
 
 namespace quillery::testing {
 
-// Decodes nothing; answers unknown keys with a 40 × 20 placeholder when asked to.
+// Decodes nothing; answers pictures it does not know with a 40 × 20 placeholder.
 class FakePictureCodec : public PictureCodec {
 public:
-    explicit FakePictureCodec(bool withPlaceholder = true)
-        : m_withPlaceholder(withPlaceholder) {}
     PicturePtr decode(std::span<const std::uint8_t>) const override { return nullptr; }
     PicturePtr placeholder() const override {
-        if (!m_withPlaceholder)
-            return nullptr;
         QImage image(40, 20, QImage::Format_RGB32);
         image.fill(Qt::gray);
         return std::make_shared<QtPicture>(image);
     }
-
-private:
-    bool m_withPlaceholder;
 };
 
-// Stands in for the navigation: records what the column asked for and owns presented panels.
-class RecordingColumnDelegate {
-public:
-    void listen(NoteColumn& column) {
+// What a column asked of the row around it. The editor it hands over is kept here, as the row
+// would keep it, and let go when the column is done with it.
+struct ColumnSignals {
+    explicit ColumnSignals(NoteColumn& column) {
         QObject::connect(&column, &NoteColumn::noteSelected,
                          [this](const NodePtr& node) { selected.push_back(node); });
+        QObject::connect(&column, &NoteColumn::selectionCleared, [this] { ++cleared; });
         QObject::connect(&column, &NoteColumn::picturePreviewRequested,
                          [this](const NodePtr& node) { previewed.push_back(node); });
-        QObject::connect(&column, &NoteColumn::selectionCleared, [this] { ++cleared; });
-        QObject::connect(&column, &NoteColumn::focusLeftRequested, [this] { ++movedLeft; });
-        QObject::connect(&column, &NoteColumn::focusRightRequested, [this] { ++movedRight; });
+        QObject::connect(&column, &NoteColumn::focusLeftRequested, [this] { ++left; });
+        QObject::connect(&column, &NoteColumn::focusRightRequested, [this] { ++right; });
         QObject::connect(&column, &NoteColumn::editorRequested, [this](NoteEditorPanel* panel) {
             editor.reset(panel);
             editor->setParent(nullptr);
         });
         QObject::connect(&column, &NoteColumn::editorDone, [this] {
-            ++dismissed;
+            ++editorsDone;
             editor.release()->deleteLater();
         });
     }
@@ -65,17 +57,20 @@ public:
     std::vector<NodePtr> selected;
     std::vector<NodePtr> previewed;
     int cleared = 0;
-    int movedLeft = 0;
-    int movedRight = 0;
-    int dismissed = 0;
+    int left = 0;
+    int right = 0;
+    int editorsDone = 0;
     std::unique_ptr<NoteEditorPanel> editor;
 };
 
-// A document with an undo history and one column shown in its own window, with prompts that
-// answer from fields instead of blocking on a dialog.
+// A document with an undo history, and a column over one of its notes in a window of its own,
+// with prompts that answer from fields instead of blocking on a dialog.
 class ColumnFixture : public ::testing::Test {
 protected:
-    ColumnFixture() { document.setUndoManager(&undoManager); }
+    ColumnFixture() {
+        document.setUndoManager(&undoManager);
+        openedUrls().clear();
+    }
 
     // Adds a note through the document (one recorded edit) and returns the node in the tree.
     NodePtr add(const NodePtr& parent, const std::string& text, long at = -1) {
@@ -93,37 +88,32 @@ protected:
         return parent->children().back();
     }
 
-    std::unique_ptr<NoteColumn> makeColumn(const NodePtr& node, int depth,
-                                           RecordingColumnDelegate& navigation) {
+    std::unique_ptr<NoteColumn> makeColumn(const NodePtr& node, int depth = 1) {
         auto made = std::make_unique<NoteColumn>(&document);
         made->setRepresentedNode(node);
         made->setDepth(depth);
-        navigation.listen(*made);
-        made->setPrompts(prompts());
+        ColumnPrompts answers;
+        answers.confirmDelete = [this](QWidget*) {
+            ++confirmations;
+            return confirmAnswer;
+        };
+        answers.reportMissingPicture = [this](QWidget*) {
+            ++missingPictureReports;
+        };
+        made->setPrompts(std::move(answers));
         made->resize(320, 480);
         return made;
     }
 
     // Shows the column for the node's children, focused and ready for keys.
     void open(const NodePtr& node, int depth = 1) {
-        column = makeColumn(node, depth, delegate);
+        column = makeColumn(node, depth);
+        heard = std::make_unique<ColumnSignals>(*column);
         column->show();
         column->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(column.get()));
         column->takeFocus();
         QApplication::processEvents();
-    }
-
-    ColumnPrompts prompts() {
-        ColumnPrompts result;
-        result.confirmDelete = [this](QWidget*) {
-            ++confirmations;
-            return confirmAnswer;
-        };
-        result.reportMissingPicture = [this](QWidget*) {
-            ++missingPictureReports;
-        };
-        return result;
     }
 
     // Sends a key to whatever has the keyboard focus, as the keyboard would.
@@ -133,21 +123,32 @@ protected:
         QTest::keyClick(target, key, modifiers);
     }
 
-    QLabel* emptyLabel() const { return column->findChild<QLabel*>(QStringLiteral("emptyLabel")); }
-    AddNoteButton* addButton() const { return column->findChild<AddNoteButton*>(); }
-
-    std::vector<std::string> texts(const NodePtr& parent) const {
+    static std::vector<std::string> texts(const NodePtr& parent) {
         std::vector<std::string> result;
         for (const NodePtr& child : parent->children())
             result.push_back(child->text());
         return result;
     }
 
+    // The texts the column's rows show, in order.
+    static std::vector<std::string> shownTexts(const NoteColumn& shown) {
+        std::vector<std::string> result;
+        const QAbstractItemModel* model = shown.listView()->model();
+        for (int row = 0; row < model->rowCount(); ++row)
+            result.push_back(model->index(row, 0).data().toString().toStdString());
+        return result;
+    }
+
+    QLabel* emptyLabel() const { return column->findChild<QLabel*>(QStringLiteral("emptyLabel")); }
+    AddNoteButton* addButton() const { return column->findChild<AddNoteButton*>(); }
+    NoteEditorPanel* editor() const { return heard->editor.get(); }
+
     InMemoryPreferences preferences;
     FakePictureCodec codec;
     Document document{preferences, &codec};
     UndoManager undoManager;
-    RecordingColumnDelegate delegate;
+    // Declared first, so it still listens while the column goes.
+    std::unique_ptr<ColumnSignals> heard;
     std::unique_ptr<NoteColumn> column;
     bool confirmAnswer = true;
     int confirmations = 0;

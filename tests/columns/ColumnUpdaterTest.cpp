@@ -1,12 +1,13 @@
 #include "ColumnTestSupport.h"
 
 #include <QAbstractItemModelTester>
-#include <QLabel>
 
 namespace quillery::testing {
 namespace {
 
-// Two columns as the navigation shows them: the root's children, and the children of "parent".
+// Two columns as the row shows them: the root's notes (parent, sibling) and parent's (a, b, c).
+// Every change comes from the document, as edits made elsewhere (another column, the Edit
+// menu's history) do; the models are checked by QAbstractItemModelTester throughout.
 class ColumnUpdates : public ColumnFixture {
 protected:
     void SetUp() override {
@@ -15,144 +16,152 @@ protected:
         for (const char* text : {"a", "b", "c"})
             add(parent, text);
         open(parent);
-        rootColumn = makeColumn(document.rootNode(), 0, rootNavigation);
+        rootColumn = makeColumn(document.rootNode(), 0);
         for (NoteColumn* each : {column.get(), rootColumn.get()})
             testers.push_back(std::make_unique<QAbstractItemModelTester>(
                 each->listView()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal));
     }
 
-    int rows(const NoteColumn& shown) const { return shown.listView()->model()->rowCount(); }
-
-    // The texts the column's rows show, in order.
-    std::vector<std::string> shownTexts(const NoteColumn& shown) const {
-        std::vector<std::string> result;
-        auto* model = shown.listView()->model();
-        for (int row = 0; row < model->rowCount(); ++row)
-            result.push_back(model->index(row, 0).data().toString().toStdString());
-        return result;
+    // The rows of the column whose data changed, one entry per change.
+    static std::shared_ptr<std::vector<int>> refreshedRows(const NoteColumn& shown) {
+        auto rows = std::make_shared<std::vector<int>>();
+        QObject::connect(shown.listView()->model(), &QAbstractItemModel::dataChanged,
+                         [rows](const QModelIndex& first) { rows->push_back(first.row()); });
+        return rows;
     }
 
     NodePtr parent;
     NodePtr sibling;
-    RecordingColumnDelegate rootNavigation;
     std::unique_ptr<NoteColumn> rootColumn;
     std::vector<std::unique_ptr<QAbstractItemModelTester>> testers;
 };
 
-TEST_F(ColumnUpdates, AnAddedChildGetsItsRowAndHidesTheLabel) {
+struct UpdateCase {
+    const char* name;
+    int selected; // before the change
+    void (*change)(Document& document, const NodePtr& parent, const NodePtr& sibling);
+    std::vector<std::string> shown;
+    const char* nowSelected; // null: no selection
+    bool heard;              // the row heard of a new selection
+
+    friend void PrintTo(const UpdateCase& c, std::ostream* out) { *out << c.name; }
+};
+
+void remove(Document& document, const NodePtr& note) {
+    document.userDidMove(*note, *document.deletedRootNode());
+}
+
+class RowOperations : public ColumnUpdates, public ::testing::WithParamInterface<UpdateCase> {};
+
+TEST_P(RowOperations, ShowTheNewOrderAndKeepTheSelectionOnItsNoteOrNearby) {
+    const UpdateCase& test = GetParam();
+    if (test.selected >= 0)
+        column->selectRow(test.selected);
+    else
+        column->listView()->clearSelection();
+    const std::size_t heardBefore = heard->selected.size();
+    test.change(document, parent, sibling);
+    EXPECT_EQ(shownTexts(*column), test.shown);
+    const NodePtr selected = column->selectedNode();
+    EXPECT_EQ(selected ? selected->text() : "(none)",
+              test.nowSelected ? test.nowSelected : "(none)");
+    EXPECT_EQ(heard->selected.size(), heardBefore + (test.heard ? 1 : 0));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes, RowOperations,
+    ::testing::Values(UpdateCase{"AnInsertionKeepsTheSelectedNote",
+                                 1,
+                                 [](Document& d, const NodePtr& p, const NodePtr&) {
+                                     d.userDidAdd(*NotebookNode::create(p->identifier(), "new"), *p,
+                                                  0);
+                                 },
+                                 {"new", "a", "b", "c"},
+                                 "b",
+                                 false},
+                      UpdateCase{"DeletingTheLastRowSelectsTheNewLast",
+                                 2,
+                                 [](Document& d, const NodePtr& p, const NodePtr&) {
+                                     remove(d, p->children()[2]);
+                                 },
+                                 {"a", "b"},
+                                 "b",
+                                 true},
+                      UpdateCase{"DeletingTheFirstRowSelectsTheNoteInItsPlace",
+                                 0,
+                                 [](Document& d, const NodePtr& p, const NodePtr&) {
+                                     remove(d, p->children()[0]);
+                                 },
+                                 {"b", "c"},
+                                 "b",
+                                 true},
+                      UpdateCase{"DeletingWithNothingSelectedSelectsNothing",
+                                 -1,
+                                 [](Document& d, const NodePtr& p, const NodePtr&) {
+                                     remove(d, p->children()[1]);
+                                 },
+                                 {"a", "c"},
+                                 nullptr,
+                                 false},
+                      UpdateCase{"ReorderingCarriesTheSelection",
+                                 0,
+                                 [](Document& d, const NodePtr& p, const NodePtr&) {
+                                     d.userDidMove(*p->children()[0], 3);
+                                 },
+                                 {"b", "c", "a"},
+                                 "a",
+                                 false},
+                      UpdateCase{"UndoAndRedoFromTheEditMenu",
+                                 2,
+                                 [](Document& d, const NodePtr& p, const NodePtr& s) {
+                                     d.userDidMove(*s, *p, 1);
+                                     d.undoManager()->undo();
+                                     d.undoManager()->redo();
+                                 },
+                                 {"a", "sibling", "b", "c"},
+                                 "c",
+                                 false}),
+    [](const auto& testCase) { return std::string(testCase.param.name); });
+
+TEST_F(ColumnUpdates, TheLabelShowsWhileTheColumnIsEmpty) {
     open(sibling);
     EXPECT_TRUE(emptyLabel()->isVisible());
-    add(sibling, "first");
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"first"}));
-    EXPECT_FALSE(emptyLabel()->isVisible());
-}
-
-TEST_F(ColumnUpdates, InsertingKeepsTheSelectionOnItsNote) {
-    column->selectRow(1);
-    const std::size_t heard = delegate.selected.size();
-    add(parent, "new", 0);
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"new", "a", "b", "c"}));
-    EXPECT_EQ(column->selectedNode()->text(), "b");
-    EXPECT_EQ(delegate.selected.size(), heard);
-}
-
-TEST_F(ColumnUpdates, DeletingTheSelectedLastRowSelectsTheNewLastRow) {
-    column->selectRow(2);
-    document.userDidMove(*parent->children()[2], *document.deletedRootNode());
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "b"}));
-    EXPECT_EQ(column->selectedRow(), 1);
-    EXPECT_EQ(delegate.selected.back()->text(), "b");
-}
-
-TEST_F(ColumnUpdates, DeletingTheSelectedFirstRowSelectsTheNoteThatTakesItsPlace) {
-    column->selectRow(0);
-    document.userDidMove(*parent->children()[0], *document.deletedRootNode());
-    EXPECT_EQ(column->selectedRow(), 0);
-    EXPECT_EQ(delegate.selected.back()->text(), "b");
-}
-
-TEST_F(ColumnUpdates, DeletingWithNothingSelectedSelectsNothing) {
-    column->listView()->selectionModel()->clearSelection();
-    document.userDidMove(*parent->children()[1], *document.deletedRootNode());
-    EXPECT_EQ(column->selectedRow(), -1);
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "c"}));
-}
-
-TEST_F(ColumnUpdates, DeletingTheOnlyRowShowsTheLabel) {
     const NodePtr only = add(sibling, "only");
-    open(sibling);
-    document.userDidMove(*only, *document.deletedRootNode());
-    EXPECT_EQ(rows(*column), 0);
-    EXPECT_EQ(column->selectedRow(), -1);
+    EXPECT_EQ(shownTexts(*column), std::vector<std::string>{"only"});
+    EXPECT_FALSE(emptyLabel()->isVisible());
+    remove(document, only);
+    EXPECT_TRUE(shownTexts(*column).empty());
     EXPECT_TRUE(emptyLabel()->isVisible());
-    EXPECT_GE(delegate.cleared, 1);
 }
 
-TEST_F(ColumnUpdates, ReorderingMovesTheRowAndTheSelectionWithIt) {
-    column->selectRow(0);
-    document.userDidMove(*parent->children()[0], 3); // after "c"
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"b", "c", "a"}));
-    EXPECT_EQ(column->selectedNode()->text(), "a");
-    document.userDidMove(*parent->children()[2], 0);
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "b", "c"}));
-    EXPECT_EQ(column->selectedRow(), 0);
-}
-
-TEST_F(ColumnUpdates, MovingToAnotherParentUpdatesBothColumnsAndTheParentsRows) {
-    auto siblingColumn = makeColumn(sibling, 1, rootNavigation);
+TEST_F(ColumnUpdates, AMoveUpdatesBothColumnsAndTheCountsOfBothParents) {
+    auto siblingColumn = makeColumn(sibling);
     QAbstractItemModelTester tester(siblingColumn->listView()->model(),
                                     QAbstractItemModelTester::FailureReportingMode::Fatal);
-    int refreshedRootRows = 0;
-    QObject::connect(rootColumn->listView()->model(), &QAbstractItemModel::dataChanged,
-                     [&] { ++refreshedRootRows; });
+    const auto refreshed = refreshedRows(*rootColumn);
     document.userDidMove(*parent->children()[1], *sibling);
     EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "c"}));
-    EXPECT_EQ(shownTexts(*siblingColumn), (std::vector<std::string>{"b"}));
-    EXPECT_EQ(refreshedRootRows, 2); // the rows of "parent" and "sibling" show new counts
+    EXPECT_EQ(shownTexts(*siblingColumn), std::vector<std::string>{"b"});
+    EXPECT_EQ(*refreshed, (std::vector<int>{1, 0}));
+}
+
+TEST_F(ColumnUpdates, AChildAddedFurtherInRefreshesOnlyItsParentsRow) {
+    const auto refreshed = refreshedRows(*rootColumn);
+    add(sibling, "child");
+    EXPECT_EQ(*refreshed, std::vector<int>{1});
     EXPECT_EQ(shownTexts(*rootColumn), (std::vector<std::string>{"parent", "sibling"}));
 }
 
 TEST_F(ColumnUpdates, ChangedTextRedrawsAndRemeasuresTheRow) {
-    int refreshed = 0;
-    QObject::connect(column->listView()->model(), &QAbstractItemModel::dataChanged,
-                     [&] { ++refreshed; });
-    const int before =
-        column->listView()->visualRect(column->listView()->model()->index(1, 0)).height();
+    const auto refreshed = refreshedRows(*column);
+    const auto height = [this] {
+        QApplication::processEvents();
+        return column->listView()->visualRect(column->listView()->model()->index(1, 0)).height();
+    };
+    const int before = height();
     document.userDidModify(*parent->children()[1], "# A heading\nand\nthree\nlines");
-    EXPECT_EQ(refreshed, 1);
-    QApplication::processEvents();
-    const int after =
-        column->listView()->visualRect(column->listView()->model()->index(1, 0)).height();
-    EXPECT_GT(after, before);
-}
-
-TEST_F(ColumnUpdates, AddingBelowARowOfThisColumnRefreshesOnlyThatRow) {
-    std::vector<int> refreshedRows;
-    QObject::connect(rootColumn->listView()->model(), &QAbstractItemModel::dataChanged,
-                     [&](const QModelIndex& first) { refreshedRows.push_back(first.row()); });
-    add(sibling, "child");
-    EXPECT_EQ(refreshedRows, std::vector<int>{1});
-    EXPECT_EQ(rows(*rootColumn), 2);
-}
-
-TEST_F(ColumnUpdates, UndoAndRedoFromAnotherColumnReachThisOne) {
-    // An edit made in the root column, taken back through the Edit menu's history.
-    document.userDidMove(*sibling, *parent, 1);
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "sibling", "b", "c"}));
-    EXPECT_EQ(shownTexts(*rootColumn), (std::vector<std::string>{"parent"}));
-    undoManager.undo();
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "b", "c"}));
-    EXPECT_EQ(shownTexts(*rootColumn), (std::vector<std::string>{"parent", "sibling"}));
-    undoManager.redo();
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "sibling", "b", "c"}));
-}
-
-TEST_F(ColumnUpdates, UndoingAnAddRemovesTheRow) {
-    add(parent, "d");
-    undoManager.undo();
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "b", "c"}));
-    undoManager.redo();
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "b", "c", "d"}));
+    EXPECT_EQ(*refreshed, std::vector<int>{1});
+    EXPECT_GT(height(), before);
 }
 
 TEST_F(ColumnUpdates, AnotherDocumentIsNeverHeard) {
@@ -160,7 +169,7 @@ TEST_F(ColumnUpdates, AnotherDocumentIsNeverHeard) {
     Document other(otherPreferences);
     other.userDidAdd(*NotebookNode::create(other.rootNode()->identifier(), "x"), *other.rootNode(),
                      0);
-    EXPECT_EQ(rows(*rootColumn), 2);
+    EXPECT_EQ(shownTexts(*rootColumn), (std::vector<std::string>{"parent", "sibling"}));
 }
 
 } // namespace

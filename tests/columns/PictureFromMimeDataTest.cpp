@@ -7,101 +7,88 @@
 #include <QMimeData>
 
 #include <gtest/gtest.h>
+#include <optional>
 
-namespace quillery {
+namespace quillery::testing {
 namespace {
 
-QImage picture(QColor colour) {
-    QImage image(4, 4, QImage::Format_RGB32);
+QImage filled(QColor colour, QSize size = {8, 8}) {
+    QImage image(size, QImage::Format_ARGB32);
     image.fill(colour);
     return image;
 }
 
-using testing::encoded;
-
 const QString kTiff = QStringLiteral("image/tiff");
 const QString kPng = QStringLiteral("image/png");
 
-TEST(PictureFromMimeData, PrefersTiffToPng) {
+// What a drag or the clipboard offers, and the colour of the picture taken from it (none: no
+// picture). Every picture taken is stored as JPEG.
+struct Offer {
+    const char* name;
+    void (*fill)(QMimeData& data);
+    std::optional<QColor> colour;
+
+    friend void PrintTo(const Offer& c, std::ostream* out) { *out << c.name; }
+};
+
+class PictureFromMimeDataTest : public ::testing::TestWithParam<Offer> {};
+
+TEST_P(PictureFromMimeDataTest, TakesTheFirstPictureThatDecodes) {
     QMimeData data;
-    data.setData(kPng, encoded(picture(Qt::red), "png"));
-    data.setData(kTiff, encoded(picture(Qt::blue), "tiff"));
-    const auto result = pictureFromMimeData(data);
-    ASSERT_TRUE(result);
-    EXPECT_EQ(result->image.pixelColor(0, 0), QColor(Qt::blue));
+    GetParam().fill(data);
+    const auto taken = pictureFromMimeData(data);
+    ASSERT_EQ(taken.has_value(), GetParam().colour.has_value());
+    if (!taken)
+        return;
+    EXPECT_EQ(taken->fileExtension, QStringLiteral("jpg"));
+    const QColor stored = decodePicture(taken->imageData).pixelColor(4, 4);
+    for (const auto channel : {&QColor::red, &QColor::green, &QColor::blue})
+        EXPECT_NEAR((stored.*channel)(), (GetParam().colour.value().*channel)(), 8);
 }
 
-TEST(PictureFromMimeData, FallsBackToPngWhenTheTiffDoesNotDecode) {
-    QMimeData data;
-    data.setData(kTiff, QByteArray("garbage"));
-    data.setData(kPng, encoded(picture(Qt::red), "png"));
-    const auto result = pictureFromMimeData(data);
-    ASSERT_TRUE(result);
-    EXPECT_EQ(result->image.pixelColor(0, 0), QColor(Qt::red));
-}
-
-TEST(PictureFromMimeData, StoresJpegFirst) {
-    QMimeData data;
-    data.setData(kPng, encoded(picture(Qt::red), "png"));
-    const auto result = pictureFromMimeData(data);
-    ASSERT_TRUE(result);
-    EXPECT_EQ(result->fileExtension, QStringLiteral("jpg"));
-    EXPECT_TRUE(result->imageData.startsWith("\xFF\xD8"));
-    QImage decoded;
-    EXPECT_TRUE(decoded.loadFromData(result->imageData, "JPEG"));
-    EXPECT_EQ(decoded.size(), QSize(4, 4));
-}
-
-TEST(PictureFromMimeData, TakesAnyPictureQtOffers) {
-    QMimeData image;
-    image.setImageData(picture(Qt::green));
-    EXPECT_TRUE(hasPictureType(image));
-    EXPECT_EQ(pictureFromMimeData(image)->fileExtension, QStringLiteral("jpg"));
-
-    QMimeData bmp;
-    bmp.setData(QStringLiteral("image/bmp"), encoded(picture(Qt::green), "bmp"));
-    EXPECT_TRUE(hasPictureType(bmp));
-    EXPECT_TRUE(pictureFromMimeData(bmp));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Offers, PictureFromMimeDataTest,
+    ::testing::Values(
+        Offer{"TiffBeforePng",
+              [](QMimeData& d) {
+                  d.setData(kPng, encoded(filled(Qt::red), "png"));
+                  d.setData(kTiff, encoded(filled(Qt::blue), "tiff"));
+              },
+              QColor(Qt::blue)},
+        Offer{"PngWhenTheTiffDoesNotDecode",
+              [](QMimeData& d) {
+                  d.setData(kTiff, QByteArray("garbage"));
+                  d.setData(kPng, encoded(filled(Qt::red), "png"));
+              },
+              QColor(Qt::red)},
+        Offer{"QtsOwnImage", [](QMimeData& d) { d.setImageData(filled(Qt::green)); },
+              QColor(Qt::green)},
+        Offer{"AnyTypeQtReads",
+              [](QMimeData& d) {
+                  d.setData(QStringLiteral("image/bmp"), encoded(filled(Qt::green), "bmp"));
+              },
+              QColor(Qt::green)},
+        Offer{"TransparencyLaidOnWhite",
+              [](QMimeData& d) { d.setData(kPng, encoded(filled(Qt::transparent), "png")); },
+              QColor(Qt::white)},
+        Offer{"TextAlone", [](QMimeData& d) { d.setText(QStringLiteral("words")); }, std::nullopt},
+        Offer{"BrokenPictures",
+              [](QMimeData& d) {
+                  d.setData(kPng, QByteArray("\x89PNG broken", 11));
+                  d.setData(kTiff, QByteArray());
+              },
+              std::nullopt}),
+    [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST(PictureFromMimeData, StoresTheFullPictureButKeepsTheShownSizeInMemory) {
-    QImage wide(kMaxShownPictureSide + 904, 10, QImage::Format_RGB32);
-    wide.fill(Qt::blue);
+    const QImage wide = filled(Qt::blue, {kMaxShownPictureSide + 904, 10});
     QMimeData data;
     data.setImageData(wide);
-
     const auto taken = pictureFromMimeData(data);
-
     ASSERT_TRUE(taken);
     EXPECT_EQ(taken->image.width(), kMaxShownPictureSide);
     EXPECT_EQ(decodePicture(taken->imageData, PictureSize::Full).width(), wide.width());
 }
 
-TEST(PictureFromMimeData, TransparentPartsOfAPictureStoredAsJpegAreWhite) {
-    QImage clear(8, 8, QImage::Format_ARGB32);
-    clear.fill(Qt::transparent);
-    QMimeData data;
-    data.setData(kPng, encoded(clear, "png"));
-
-    const auto taken = pictureFromMimeData(data);
-
-    ASSERT_TRUE(taken);
-    ASSERT_EQ(taken->fileExtension, QStringLiteral("jpg"));
-    EXPECT_GT(qGray(decodePicture(taken->imageData).pixel(4, 4)), 250);
-}
-
-TEST(PictureFromMimeData, GivesNothingWithoutADecodablePicture) {
-    QMimeData text;
-    text.setText(QStringLiteral("words"));
-    EXPECT_FALSE(hasPictureType(text));
-    EXPECT_FALSE(pictureFromMimeData(text));
-
-    QMimeData broken;
-    broken.setData(kPng, QByteArray("\x89PNG broken", 11));
-    broken.setData(kTiff, QByteArray());
-    EXPECT_TRUE(hasPictureType(broken));
-    EXPECT_FALSE(pictureFromMimeData(broken));
-}
-
 } // namespace
-} // namespace quillery
+} // namespace quillery::testing

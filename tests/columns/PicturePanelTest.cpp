@@ -20,7 +20,7 @@ QImage picture(int width, int height) {
     return image;
 }
 
-class ImagePanel : public ::testing::Test {
+class PicturePanelTest : public ::testing::Test {
 protected:
     void show(QImage image, QSize size = {400, 300}) {
         panel.setImage(std::move(image));
@@ -45,19 +45,17 @@ protected:
     PicturePanel panel;
 };
 
-TEST_F(ImagePanel, LargerPictureOpensScaledDownToFit) {
-    show(picture(1600, 800));
-    EXPECT_LT(view().zoom(), 1.0);
+class OpeningFitted : public PicturePanelTest, public ::testing::WithParamInterface<QSize> {};
+
+TEST_P(OpeningFitted, AnyPictureOpensScaledToFit) {
+    show(picture(GetParam().width(), GetParam().height()));
     expectFitted();
 }
 
-TEST_F(ImagePanel, SmallerPictureOpensScaledUpToFit) {
-    show(picture(40, 20));
-    EXPECT_GT(view().zoom(), 1.0);
-    expectFitted();
-}
+INSTANTIATE_TEST_SUITE_P(LargerAndSmaller, OpeningFitted,
+                         ::testing::Values(QSize(1600, 800), QSize(40, 20), QSize(30, 500)));
 
-TEST_F(ImagePanel, StaysFittedWhenResizedUntilZoomed) {
+TEST_F(PicturePanelTest, StaysFittedWhenResizedUntilZoomed) {
     show(picture(1600, 800));
     panel.resize(700, 500);
     QCoreApplication::processEvents();
@@ -70,7 +68,7 @@ TEST_F(ImagePanel, StaysFittedWhenResizedUntilZoomed) {
     EXPECT_DOUBLE_EQ(view().zoom(), zoomed);
 }
 
-TEST_F(ImagePanel, ZoomsWithKeysAndControlWheel) {
+TEST_F(PicturePanelTest, ZoomsWithKeysAndControlWheel) {
     show(picture(1600, 800));
     const double fitted = view().zoom();
     QTest::keyClick(&view(), Qt::Key_Plus);
@@ -88,7 +86,7 @@ TEST_F(ImagePanel, ZoomsWithKeysAndControlWheel) {
     EXPECT_GT(view().zoom(), fitted);
 }
 
-TEST_F(ImagePanel, DoneAndEscapeFinishWithoutClosing) {
+TEST_F(PicturePanelTest, DoneAndEscapeFinishWithoutClosing) {
     QSignalSpy finished(&panel, &PicturePanel::finished);
     show(picture(10, 10));
     QTest::mouseClick(panel.findChild<QPushButton*>(QStringLiteral("doneButton")), Qt::LeftButton);
@@ -97,7 +95,7 @@ TEST_F(ImagePanel, DoneAndEscapeFinishWithoutClosing) {
     EXPECT_TRUE(panel.isVisible());
 }
 
-TEST_F(ImagePanel, PictureThatFailedToDecodeShowsThePlaceholder) {
+TEST_F(PicturePanelTest, PictureThatFailedToDecodeShowsThePlaceholder) {
     show(QImage());
     EXPECT_FALSE(panel.grab().isNull());
     view().zoomIn();
@@ -112,7 +110,7 @@ long peakResidentKilobytes() {
 
 // A 20000 x 20000 picture: the panel shares the caller's pixels and paints from them, so drawing
 // it fitted and zoomed never makes a second full-size copy (32-bit, that would be 1.6 GB).
-TEST_F(ImagePanel, HugePictureIsShownScaledWithoutASecondCopy) {
+TEST_F(PicturePanelTest, HugePictureIsShownScaledWithoutASecondCopy) {
     QImage huge(20000, 20000, QImage::Format_Mono);
     huge.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)});
     huge.fill(1);
