@@ -1,73 +1,52 @@
 #include "navigation/ColumnScrollArea.h"
 
-#include "columns/NoteColumn.h"
+#include "NavigationFixture.h"
 #include "columns/NoteListView.h"
-#include "navigation/ColumnRow.h"
-#include "navigation/NavigationFixture.h"
 
 #include <QScrollBar>
-#include <QTest>
 
 namespace quillery {
 namespace {
 
+// Four columns in an area two columns wide.
 class ColumnScrollAreaTest : public NavigationFixture {
 protected:
-    ColumnScrollAreaTest()
-        : host(&document)
-        , split(*host.columnRow()) {
-        host.resize(split.columnWidth() * 2, 400);
-        host.show();
-        // Four columns, wider than the two the host shows.
-        split.column(0)->selectRow(0);
-        split.column(1)->selectRow(1);
-        split.column(2)->selectRow(0);
+    ColumnScrollAreaTest() {
+        show({row.columnWidth() * 2, 400});
+        openFourColumns();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
 
-    ColumnScrollArea host;
-    ColumnRow& split;
+    QScrollBar& bar() const { return *area.horizontalScrollBar(); }
 };
 
-TEST_F(ColumnScrollAreaTest, ARequestForTheFirstColumnScrollsToTheLeftEnd) {
-    host.horizontalScrollBar()->setValue(host.horizontalScrollBar()->maximum());
-    host.scrollTo(split.items()[0]->geometry());
-    EXPECT_EQ(host.horizontalScrollBar()->value(), 0);
-}
-
-TEST_F(ColumnScrollAreaTest, ARequestPutsTheColumnAtTheLeftEdge) {
-    host.scrollTo(split.items()[1]->geometry());
-    EXPECT_EQ(host.horizontalScrollBar()->value(), split.items()[1]->x());
-}
-
-TEST_F(ColumnScrollAreaTest, ARequestForTheLastColumnStopsAtTheRowsEnd) {
-    QScrollBar* bar = host.horizontalScrollBar();
-    ASSERT_GT(bar->maximum(), 0);
-    QWidget* last = split.items().back();
-
-    host.scrollTo(last->geometry());
-
-    EXPECT_EQ(bar->value(), bar->maximum());
-    EXPECT_LT(bar->value(), last->x());
-    EXPECT_EQ(last->geometry().right() - bar->value(), host.viewport()->width() - 1);
+TEST_F(ColumnScrollAreaTest, AnItemAskedForComesToTheLeftEdgeAsFarAsTheRowReaches) {
+    bar().setValue(bar().maximum());
+    area.scrollTo(row.items()[0]->geometry());
+    EXPECT_EQ(bar().value(), 0);
+    area.scrollTo(row.items()[1]->geometry());
+    EXPECT_EQ(bar().value(), row.items()[1]->x());
+    QWidget* last = row.items().back();
+    area.scrollTo(last->geometry());
+    ASSERT_GT(bar().maximum(), 0);
+    EXPECT_EQ(bar().value(), bar().maximum());
+    EXPECT_EQ(last->geometry().right() - bar().value(), area.viewport()->width() - 1);
 }
 
 TEST_F(ColumnScrollAreaTest, AColumnAddedOnThisTurnCanBeScrolledTo) {
-    split.column(3)->listView()->clearSelection();
-    split.column(0)->selectRow(0);
-    split.column(1)->selectRow(1);
-    split.column(2)->selectRow(0);
-    host.scrollTo(split.items()[2]->geometry());
-    EXPECT_EQ(host.horizontalScrollBar()->value(), split.items()[2]->x());
+    row.column(0)->listView()->clearSelection();
+    openFourColumns();
+    area.scrollTo(row.items()[2]->geometry());
+    EXPECT_EQ(bar().value(), row.items()[2]->x());
 }
 
 TEST_F(ColumnScrollAreaTest, TheRowFollowsTheVisibleHeightAndNeverScrollsDown) {
-    host.resize(host.width(), 300);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return split.height() == host.viewport()->height(); }));
-    host.resize(host.width(), 520);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return split.height() == host.viewport()->height(); }));
-    EXPECT_EQ(host.verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
-    EXPECT_EQ(split.items()[0]->height(), split.height());
+    for (const int height : {300, 520}) {
+        area.resize(area.width(), height);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return row.height() == area.viewport()->height(); }));
+    }
+    EXPECT_EQ(area.verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+    EXPECT_EQ(row.items()[0]->height(), row.height());
 }
 
 } // namespace
