@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OpenedUrls.h"
+#include "QtPrinters.h"
 #include "app/DocumentController.h"
 #include "app/DocumentWindow.h"
 #include "app/FakePrompts.h"
@@ -11,7 +13,10 @@
 #include "navigation/ColumnRow.h"
 #include "storage/NotebookPackage.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 #include <string>
@@ -26,6 +31,7 @@ protected:
     AppFixture() {
         controller.recentDocuments().clear();
         controller.session().clear();
+        testing::openedUrls().clear();
     }
 
     std::filesystem::path path(const std::string& name) const {
@@ -51,21 +57,42 @@ protected:
         Document document(preferences, &codec);
         const auto error = package::read(document, location, codec);
         EXPECT_FALSE(error.has_value()) << (error ? error->message : std::string());
-        std::vector<std::string> texts;
-        for (const NodePtr& child : document.rootNode()->children()) {
-            texts.push_back(child->text());
-        }
-        return texts;
+        return texts(*document.rootNode());
+    }
+
+    static std::vector<std::string> texts(const NotebookNode& parent) {
+        std::vector<std::string> result;
+        for (const NodePtr& child : parent.children())
+            result.push_back(child->text());
+        return result;
     }
 
     static int rowCount(NoteColumn* column) {
         return column ? column->listView()->model()->rowCount() : -1;
     }
 
-    static void addNote(DocumentWindow& window, const std::string& text) {
+    // Adds a note as the user would, under the parent (the root by default), last or at the index.
+    static NodePtr addNote(DocumentWindow& window, const std::string& text,
+                           NodePtr parent = nullptr, long at = -1) {
         Document& document = window.document();
-        const NodePtr& root = document.rootNode();
-        document.userDidAdd(*NotebookNode::create(root->identifier(), text), *root, 0);
+        parent = parent ? parent : document.rootNode();
+        document.userDidAdd(*NotebookNode::create(parent->identifier(), text), *parent, at);
+        return at < 0 ? parent->children().back()
+                      : parent->children()[static_cast<std::size_t>(at)];
+    }
+
+    // Shows the window with the keyboard in its first column.
+    static void focusFirstColumn(DocumentWindow& window) {
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        window.columnRow()->column(0)->takeFocus();
+        QApplication::processEvents();
+    }
+
+    static QAction& action(DocumentWindow& window, const char* name) {
+        auto* found = window.findChild<QAction*>(QString::fromLatin1(name));
+        EXPECT_NE(found, nullptr) << name;
+        return *found;
     }
 
     QTemporaryDir m_directory;

@@ -1,33 +1,22 @@
-#include "QtPrinters.h"
+#include "app/DocumentWindow.h"
+
 #include "app/AppCommands.h"
 #include "app/AppFixture.h"
+#include "columns/ColumnDropHandler.h"
 #include "columns/NoteEditorPanel.h"
 
-#include <QAction>
 #include <QClipboard>
+#include <QMenu>
 #include <QMimeData>
 #include <QPlainTextEdit>
-#include <QPointer>
-#include <QTest>
 
-#include <fstream>
 #include <map>
 
 namespace quillery {
 namespace {
 
-using namespace std::chrono_literals;
-
-class DocumentWindowTest : public AppFixture {
-protected:
-    static QAction& action(DocumentWindow& window, const char* name) {
-        auto* found = window.findChild<QAction*>(QString::fromLatin1(name));
-        EXPECT_NE(found, nullptr) << name;
-        return *found;
-    }
-};
-
-// The Edit menu follows the document's undo history and names its steps.
+// The menus of a document window.
+using DocumentWindowTest = AppFixture;
 
 TEST_F(DocumentWindowTest, UndoAndRedoAreNamedAfterTheStepAndDriveTheDocument) {
     DocumentWindow& window = *controller.newDocument();
@@ -35,9 +24,7 @@ TEST_F(DocumentWindowTest, UndoAndRedoAreNamedAfterTheStepAndDriveTheDocument) {
     QAction& redo = action(window, "actionRedo");
     EXPECT_FALSE(undo.isEnabled());
     EXPECT_FALSE(redo.isEnabled());
-
     addNote(window, "first");
-    EXPECT_TRUE(undo.isEnabled());
     EXPECT_EQ(undo.text(), QStringLiteral("&Undo Add Note"));
     EXPECT_TRUE(window.isWindowModified());
 
@@ -48,54 +35,38 @@ TEST_F(DocumentWindowTest, UndoAndRedoAreNamedAfterTheStepAndDriveTheDocument) {
     EXPECT_FALSE(window.isWindowModified());
 
     redo.trigger();
-    ASSERT_EQ(window.document().rootNode()->children().size(), 1u);
-    EXPECT_EQ(window.document().rootNode()->children()[0]->text(), "first");
-    EXPECT_EQ(undo.text(), QStringLiteral("&Undo Add Note"));
+    EXPECT_EQ(texts(*window.document().rootNode()), std::vector<std::string>{"first"});
     EXPECT_FALSE(redo.isEnabled());
 }
 
 TEST_F(DocumentWindowTest, HistoryAndNoteCommandsWaitWhileAPanelIsOpen) {
     DocumentWindow& window = *controller.newDocument();
     addNote(window, "first");
-    ColumnRow& split = *window.columnRow();
-
-    split.showPanel(new QWidget, 1);
-    EXPECT_FALSE(action(window, "actionUndo").isEnabled());
-    EXPECT_FALSE(action(window, "actionAddNote").isEnabled());
-    EXPECT_FALSE(action(window, "actionEditNote").isEnabled());
-
-    split.closePanel();
-    EXPECT_TRUE(action(window, "actionUndo").isEnabled());
-    EXPECT_TRUE(action(window, "actionAddNote").isEnabled());
+    window.columnRow()->showPanel(new QWidget, 1);
+    for (const char* name : {"actionUndo", "actionAddNote", "actionEditNote", "actionFind"})
+        EXPECT_FALSE(action(window, name).isEnabled()) << name;
+    window.columnRow()->closePanel();
+    for (const char* name : {"actionUndo", "actionAddNote", "actionEditNote", "actionFind"})
+        EXPECT_TRUE(action(window, name).isEnabled()) << name;
 }
 
-TEST_F(DocumentWindowTest, TheNoteMenuActsOnTheFocusedColumn) {
+TEST_F(DocumentWindowTest, AddNoteGoesToTheFocusedColumnElseToANewNotebook) {
     DocumentWindow& window = *controller.newDocument();
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    NoteColumn* first = window.columnRow()->column(0);
-    first->takeFocus();
-
+    focusFirstColumn(window);
     action(window, "actionAddNote").trigger();
-
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.columnRow()->panel() != nullptr; }));
-    EXPECT_NE(first->temporaryNode(), nullptr);
-}
+    EXPECT_NE(window.columnRow()->column(0)->temporaryNode(), nullptr);
 
-TEST_F(DocumentWindowTest, AddNoteWithNoColumnMakesANewNotebookLikeTheAppCommand) {
     AppCommands app;
-    int newDocuments = 0;
-    QObject::connect(&app, &AppCommands::newNotebookRequested, [&] { ++newDocuments; });
+    int newNotebooks = 0;
+    QObject::connect(&app, &AppCommands::newNotebookRequested, [&] { ++newNotebooks; });
     controller.setAppCommands(&app);
     // Never shown, so no column has been loaded to take the note.
-    DocumentWindow window(controller, std::make_unique<Document>(preferences, &codec),
+    DocumentWindow hidden(controller, std::make_unique<Document>(preferences, &codec),
                           QStringLiteral("Untitled"));
-    ASSERT_EQ(window.columnRow()->activeColumn(), nullptr);
-
-    action(window, "actionAddNote").trigger();
-
-    EXPECT_EQ(newDocuments, 1);
-    EXPECT_TRUE(window.document().rootNode()->children().empty());
+    action(hidden, "actionAddNote").trigger();
+    EXPECT_EQ(newNotebooks, 1);
+    EXPECT_TRUE(hidden.document().rootNode()->children().empty());
     controller.setAppCommands(nullptr);
 }
 
@@ -117,265 +88,155 @@ TEST_F(DocumentWindowTest, EveryCommandHasAShortcutOfItsOwn) {
     }
 }
 
-// Edit → Paste: a picture or an address goes to the focused column; text fields keep Ctrl+V.
+// Edit → Paste (Ctrl+V) in a column: what the clipboard holds is added after the column's last
+// note, as a drop there would add it; anything else greys the command out.
+struct Clipboard {
+    const char* name;
+    void (*fill)(QMimeData& data, Document& document);
+    const char* added; // the new last note's text, "[picture]", or null for nothing
+    bool edited;       // the new note opens in the editor
 
-class DocumentWindowPasteTest : public DocumentWindowTest {
-protected:
-    ~DocumentWindowPasteTest() override { QGuiApplication::clipboard()->clear(); }
-
-    // A shown notebook holding "first", its first column focused.
-    DocumentWindow& openFocused() {
-        DocumentWindow& window = *controller.newDocument();
-        addNote(window, "first");
-        window.activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-        window.columnRow()->column(0)->takeFocus();
-        QApplication::processEvents();
-        return window;
-    }
-
-    // The clipboard takes the data.
-    static void copy(QMimeData* data) { QGuiApplication::clipboard()->setMimeData(data); }
-
-    static QMimeData* pictureAndText() {
-        QImage image(8, 6, QImage::Format_RGB32);
-        image.fill(Qt::green);
-        auto* data = new QMimeData;
-        data->setImageData(image);
-        data->setText(QStringLiteral("words"));
-        return data;
-    }
-
-    static void pressPaste() {
-        ASSERT_NE(QApplication::focusWidget(), nullptr);
-        QTest::keySequence(QApplication::focusWidget(), QKeySequence(QKeySequence::Paste));
-    }
+    friend void PrintTo(const Clipboard& c, std::ostream* out) { *out << c.name; }
 };
 
-TEST_F(DocumentWindowPasteTest, CtrlVInAColumnAddsThePictureLastAsOneUndoStep) {
-    DocumentWindow& window = openFocused();
-    QAction& paste = action(window, "actionPaste");
+void setText(QMimeData& data, const char* text) {
+    data.setText(QString::fromUtf8(text));
+}
+
+const Clipboard kClipboards[] = {
+    {"APictureBeforeText",
+     [](QMimeData& data, Document&) {
+         QImage image(8, 6, QImage::Format_RGB32);
+         image.fill(Qt::green);
+         data.setImageData(image);
+         setText(data, "words");
+     },
+     "[picture]", false},
+    {"AnAddress",
+     [](QMimeData& data, Document&) { data.setUrls({QUrl(QStringLiteral("https://e.org/p"))}); },
+     "https://e.org/p\n\n", true},
+    {"AnAddressCopiedAsText",
+     [](QMimeData& data, Document&) { setText(data, "  https://e.org/a?b=c\n"); },
+     "https://e.org/a?b=c\n\n", true},
+    {"PlainText", [](QMimeData& data, Document&) { setText(data, "just words"); }, nullptr, false},
+    {"TextAroundAnAddress", [](QMimeData& data, Document&) { setText(data, "see https://e.org"); },
+     nullptr, false},
+    {"AnAddressOffTheWeb", [](QMimeData& data, Document&) { setText(data, "file:///etc/passwd"); },
+     nullptr, false},
+    {"ACopiedNote",
+     [](QMimeData& data, Document& document) {
+         const std::unique_ptr<QMimeData> note(
+             ColumnDropHandler(document).mimeDataForNode(*document.rootNode()->children()[0]));
+         for (const QString& format : note->formats())
+             data.setData(format, note->data(format));
+     },
+     nullptr, false},
+    {"Nothing", [](QMimeData&, Document&) {}, nullptr, false},
+};
+
+class PasteTest : public AppFixture, public ::testing::WithParamInterface<Clipboard> {
+protected:
+    ~PasteTest() override { QGuiApplication::clipboard()->clear(); }
+};
+
+TEST_P(PasteTest, AddsWhatTheClipboardHoldsAfterTheLastNoteAsOneStep) {
+    const Clipboard& test = GetParam();
+    DocumentWindow& window = *controller.newDocument();
     const NodePtr& root = window.document().rootNode();
-    copy(pictureAndText());
-    EXPECT_TRUE(paste.isEnabled());
+    addNote(window, "first");
+    focusFirstColumn(window);
+    auto* data = new QMimeData;
+    test.fill(*data, window.document());
+    QGuiApplication::clipboard()->setMimeData(data);
+    EXPECT_EQ(action(window, "actionPaste").isEnabled(), test.added != nullptr);
 
-    pressPaste();
+    QTest::keySequence(QApplication::focusWidget(), QKeySequence::Paste);
 
-    ASSERT_EQ(root->children().size(), 2u);
-    EXPECT_EQ(root->children()[0]->text(), "first");
-    EXPECT_TRUE(root->children()[1]->imageIdentifier().has_value());
-    action(window, "actionUndo").trigger();
-    EXPECT_EQ(root->children().size(), 1u);
+    std::vector<std::string> expected{"first"};
+    if (test.added)
+        expected.emplace_back(test.added);
+    std::vector<std::string> shown;
+    for (const NodePtr& child : root->children())
+        shown.push_back(child->imageIdentifier() ? "[picture]" : child->text());
+    EXPECT_EQ(shown, expected);
+    if (test.edited) {
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return qobject_cast<NoteEditorPanel*>(window.columnRow()->panel()) != nullptr;
+        }));
+    } else if (test.added) {
+        action(window, "actionUndo").trigger();
+        EXPECT_EQ(texts(*root), std::vector<std::string>{"first"});
+    }
 }
 
-TEST_F(DocumentWindowPasteTest, PasteIsGreyedForTextAndDoesNothing) {
-    DocumentWindow& window = openFocused();
-    auto* text = new QMimeData;
-    text->setText(QStringLiteral("https://example.org/ is only text here"));
-    copy(text);
+INSTANTIATE_TEST_SUITE_P(Contents, PasteTest, ::testing::ValuesIn(kClipboards),
+                         [](const auto& testCase) { return std::string(testCase.param.name); });
 
-    EXPECT_FALSE(action(window, "actionPaste").isEnabled());
-    pressPaste();
-    action(window, "actionPaste").trigger();
-
-    EXPECT_EQ(window.document().rootNode()->children().size(), 1u);
-}
-
-TEST_F(DocumentWindowPasteTest, CtrlVInTheNoteEditorPastesTextThereAndAddsNoNote) {
-    DocumentWindow& window = openFocused();
-    copy(pictureAndText());
+TEST_F(DocumentWindowTest, CtrlVInTheNoteEditorPastesTextThereAndAddsNoNote) {
+    DocumentWindow& window = *controller.newDocument();
+    addNote(window, "first");
+    focusFirstColumn(window);
+    auto* data = new QMimeData;
+    kClipboards[0].fill(*data, window.document()); // a picture the column would take, and text
+    QGuiApplication::clipboard()->setMimeData(data);
     action(window, "actionEditNote").trigger();
     ASSERT_TRUE(QTest::qWaitFor(
         [] { return qobject_cast<QPlainTextEdit*>(QApplication::focusWidget()) != nullptr; }));
     auto* editor = qobject_cast<QPlainTextEdit*>(QApplication::focusWidget());
     EXPECT_FALSE(action(window, "actionPaste").isEnabled());
-
-    pressPaste();
-
-    EXPECT_TRUE(editor->toPlainText().contains(QStringLiteral("words")));
+    QTest::keySequence(editor, QKeySequence::Paste);
+    EXPECT_EQ(editor->toPlainText(), QStringLiteral("firstwords"));
     EXPECT_EQ(window.document().rootNode()->children().size(), 1u);
+    QGuiApplication::clipboard()->clear();
 }
 
-// Saving: in place a moment after each change once there is a location, never before.
-
-TEST_F(DocumentWindowTest, AChangeIsSavedInPlaceAMomentLater) {
-    const auto location = makePackage("Trip.quillery", {"Flights"});
-    DocumentWindow& window = *controller.openDocument(location);
-    window.setAutosaveDelay(10ms);
-
-    addNote(window, "Hotels");
-    EXPECT_TRUE(window.isWindowModified());
-
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !window.document().hasUnsavedChanges(); }));
-    EXPECT_FALSE(window.isWindowModified());
-    EXPECT_EQ(textsOnDisk(location), (std::vector<std::string>{"Hotels", "Flights"}));
-}
-
-TEST_F(DocumentWindowTest, AFailingAutosaveWarnsOnceAndKeepsTheChanges) {
-    const auto location = makePackage("Gone.quillery", {"Flights"});
-    DocumentWindow& window = *controller.openDocument(location);
-    window.setAutosaveDelay(1ms);
-    // A plain file where the package was: nothing can be written into it.
-    std::filesystem::remove_all(location);
-    std::ofstream(location) << "in the way";
-
-    addNote(window, "Hotels");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !prompts.warnings.empty(); }));
-    addNote(window, "Museums");
-    QTest::qWait(30);
-
-    ASSERT_EQ(prompts.warnings.size(), 1u);
-    EXPECT_TRUE(prompts.warnings[0].text.contains(QStringLiteral("Gone")));
-    EXPECT_TRUE(window.document().hasUnsavedChanges());
-    EXPECT_EQ(window.document().rootNode()->children().size(), 3u);
-}
-
-TEST_F(DocumentWindowTest, AnUntitledNotebookIsNotSavedBehindTheUsersBack) {
-    DocumentWindow& window = *controller.newDocument();
-    window.setAutosaveDelay(1ms);
-    addNote(window, "draft");
-    QTest::qWait(30);
-    EXPECT_TRUE(window.document().hasUnsavedChanges());
-    EXPECT_FALSE(window.document().fileLocation().has_value());
-}
-
-TEST_F(DocumentWindowTest, SaveAsWritesTheWholePackageAndTakesItsName) {
-    DocumentWindow& window = *controller.newDocument();
-    addNote(window, "draft");
-    prompts.saveLocation = path("Drafts.quillery");
-
-    action(window, "actionSave").trigger();
-
-    EXPECT_EQ(window.displayName(), QStringLiteral("Drafts"));
-    EXPECT_EQ(window.windowTitle(), QStringLiteral("Drafts[*]"));
-    EXPECT_FALSE(window.isWindowModified());
-    EXPECT_EQ(textsOnDisk(path("Drafts.quillery")), std::vector<std::string>{"draft"});
-    EXPECT_TRUE(action(window, "actionRevert").isEnabled());
-}
-
-// Closing a changed notebook that has nowhere to go asks first.
-
-TEST_F(DocumentWindowTest, ClosingAChangedUntitledNotebookAsksAndCanBeCancelled) {
-    QPointer<DocumentWindow> window = controller.newDocument();
-    addNote(*window, "draft");
-
-    prompts.saveChoice = DocumentPrompts::SaveChoice::Cancel;
-    EXPECT_FALSE(window->close());
-    EXPECT_EQ(prompts.savePromptsFor.size(), 1u);
-
-    prompts.saveChoice = DocumentPrompts::SaveChoice::Save;
-    prompts.saveLocation = std::nullopt;
-    EXPECT_FALSE(window->close()) << "cancelling the save dialog keeps the window";
-
-    prompts.saveLocation = path("Kept.quillery");
-    EXPECT_TRUE(window->close());
-    EXPECT_EQ(textsOnDisk(path("Kept.quillery")), std::vector<std::string>{"draft"});
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }));
-}
-
-TEST_F(DocumentWindowTest, ClosingAnUnchangedOrSavedNotebookAsksNothing) {
-    QPointer<DocumentWindow> untitled = controller.newDocument();
-    EXPECT_TRUE(untitled->close());
-
-    const auto location = makePackage("Trip.quillery", {"Flights"});
-    DocumentWindow& window = *controller.openDocument(location);
-    window.setAutosaveDelay(1h);
-    addNote(window, "Hotels");
-    EXPECT_TRUE(window.close());
-
-    EXPECT_TRUE(prompts.savePromptsFor.empty());
-    EXPECT_EQ(textsOnDisk(location), (std::vector<std::string>{"Hotels", "Flights"}));
-}
-
-// Closing or quitting with the note editor open keeps what was typed, as Done would.
-
-struct EditorEnding {
-    const char* name;
-    void (*end)(DocumentController&, DocumentWindow&);
-};
-
-class DocumentWindowEditorTest : public DocumentWindowTest,
-                                 public ::testing::WithParamInterface<EditorEnding> {
+// File > Open Recent: the notebooks opened lately, newest first, and Clear Menu.
+class OpenRecentTest : public AppFixture {
 protected:
-    // Opens the editor on the first top-level note and types the text at its end.
-    static NoteEditorPanel& typeInEditor(DocumentWindow& window, const QString& text) {
-        NoteColumn& column = *window.columnRow()->column(0);
-        column.selectRow(0);
-        column.editSelectedNote();
-        auto* editor = qobject_cast<NoteEditorPanel*>(window.columnRow()->panel());
-        EXPECT_NE(editor, nullptr);
-        editor->textEdit()->moveCursor(QTextCursor::End);
-        editor->textEdit()->insertPlainText(text);
-        return *editor;
+    // The menu as it shows now: its entries' texts, separators as "-", disabled ones in brackets.
+    QStringList entries(DocumentWindow& window) {
+        auto* menu = window.findChild<QMenu*>(QStringLiteral("menuOpenRecent"));
+        emit menu->aboutToShow();
+        QStringList shown;
+        for (QAction* each : menu->actions()) {
+            const QString text = each->isSeparator() ? QStringLiteral("-") : each->text();
+            shown << (each->isEnabled() ? text : QLatin1Char('[') + text + QLatin1Char(']'));
+        }
+        return shown;
+    }
+    void choose(DocumentWindow& window, const QString& entry) {
+        for (QAction* each :
+             window.findChild<QMenu*>(QStringLiteral("menuOpenRecent"))->actions()) {
+            if (each->text() == entry)
+                each->trigger();
+        }
     }
 };
 
-TEST_P(DocumentWindowEditorTest, TheTypedTextIsSavedAsOneEdit) {
-    const auto location = makePackage("Trip.quillery", {"Flights"});
-    DocumentWindow& window = *controller.openDocument(location);
-    window.setAutosaveDelay(1h);
-    typeInEditor(window, QStringLiteral(" to Oslo"));
-
-    GetParam().end(controller, window);
-
-    EXPECT_TRUE(QTest::qWaitFor([&] { return controller.windows().empty(); }));
-    EXPECT_EQ(textsOnDisk(location), std::vector<std::string>{"Flights to Oslo"});
+TEST_F(OpenRecentTest, ANotebookThatIsGoneIsNamedAndLeavesTheList) {
+    const auto gone = makePackage("Gone.quillery", {"x"});
+    const auto trip = makePackage("Trip.quillery", {"Flights"});
+    controller.openDocument(gone)->close();
+    DocumentWindow& window = *controller.openDocument(trip);
+    std::filesystem::remove_all(gone);
+    ASSERT_EQ(entries(window), (QStringList{QStringLiteral("Trip"), QStringLiteral("Gone"),
+                                            QStringLiteral("-"), QStringLiteral("&Clear Menu")}));
+    const std::size_t windows = controller.windows().size();
+    choose(window, QStringLiteral("Gone"));
+    ASSERT_EQ(prompts.warnings.size(), 1u);
+    EXPECT_TRUE(prompts.warnings[0].text.contains(QStringLiteral("Gone")));
+    EXPECT_EQ(controller.windows().size(), windows);
+    EXPECT_EQ(entries(window).first(), QStringLiteral("Trip"));
+    EXPECT_EQ(entries(window).size(), 3);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Endings, DocumentWindowEditorTest,
-    ::testing::Values(EditorEnding{"Close",
-                                   [](DocumentController&, DocumentWindow& window) {
-                                       window.close();
-                                   }},
-                      EditorEnding{"Quit",
-                                   [](DocumentController& controller, DocumentWindow&) {
-                                       controller.quit();
-                                   }}),
-    [](const auto& testCase) { return std::string(testCase.param.name); });
-
-TEST_F(DocumentWindowEditorTest, AQuitCancelledElsewhereLeavesTheTextAsOneUndoStep) {
-    const auto location = makePackage("Trip.quillery", {"Flights"});
-    DocumentWindow& window = *controller.openDocument(location);
-    typeInEditor(window, QStringLiteral(" to Oslo"));
-    addNote(*controller.newDocument(), "unsaved");
-    prompts.saveChoice = DocumentPrompts::SaveChoice::Cancel;
-
-    controller.quit();
-
-    EXPECT_EQ(textsOnDisk(location), std::vector<std::string>{"Flights to Oslo"});
-    EXPECT_EQ(action(window, "actionUndo").text(), QStringLiteral("&Undo Edit Text"));
-    action(window, "actionUndo").trigger();
-    EXPECT_EQ(window.document().rootNode()->children()[0]->text(), "Flights");
-}
-
-TEST_F(DocumentWindowEditorTest, AnUntitledNotebookAsksAboutTypedTextAndCancelKeepsTheEditor) {
-    DocumentWindow& window = *controller.newDocument();
-    addNote(window, "draft");
-    window.document().markSaved();
-    NoteEditorPanel& editor = typeInEditor(window, QStringLiteral(" two"));
-
-    EXPECT_FALSE(window.close());
-
-    EXPECT_EQ(prompts.savePromptsFor, std::vector<QString>{QStringLiteral("Untitled")});
-    EXPECT_EQ(window.columnRow()->panel(), &editor);
-    EXPECT_EQ(editor.textEdit()->toPlainText(), QStringLiteral("draft two"));
-}
-
-TEST_F(DocumentWindowTest, RevertReadsThePackageAgainAndForgetsTheHistory) {
-    const auto location = makePackage("Trip.quillery", {"Flights"});
-    DocumentWindow& window = *controller.openDocument(location);
-    window.setAutosaveDelay(1h);
-    addNote(window, "Hotels");
-
-    action(window, "actionRevert").trigger();
-
-    EXPECT_EQ(prompts.revertQuestions, 1);
-    ASSERT_EQ(window.document().rootNode()->children().size(), 1u);
-    EXPECT_EQ(window.document().rootNode()->children()[0]->text(), "Flights");
-    EXPECT_FALSE(action(window, "actionUndo").isEnabled());
-    EXPECT_FALSE(window.isWindowModified());
-    EXPECT_EQ(rowCount(window.columnRow()->column(0)), 1);
+TEST_F(OpenRecentTest, ClearMenuEmptiesTheListForEveryWindow) {
+    DocumentWindow& window = *controller.openDocument(makePackage("Trip.quillery", {"Flights"}));
+    entries(window);
+    choose(window, QStringLiteral("&Clear Menu"));
+    EXPECT_TRUE(controller.recentDocuments().paths().isEmpty());
+    EXPECT_EQ(entries(*controller.newDocument()),
+              QStringList{QStringLiteral("[No Recent Notebooks]")});
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "app/FindBar.h"
 
-#include "QtPrinters.h"
 #include "app/AppFixture.h"
 #include "app/FindResultsModel.h"
 
@@ -20,22 +19,14 @@ class FindBarTest : public AppFixture {
 protected:
     FindBarTest()
         : window(*controller.newDocument()) {
-        Document& document = window.document();
-        const NodePtr groceries = add(document.rootNode(), "Groceries");
-        add(groceries, "apple pie");
-        add(groceries, "pear");
-        add(add(document.rootNode(), "Garden"), "apple tree");
-        window.activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-        column(0)->takeFocus();
+        const NodePtr groceries = addNote(window, "Groceries");
+        addNote(window, "apple pie", groceries);
+        addNote(window, "pear", groceries);
+        addNote(window, "apple tree", addNote(window, "Garden"));
+        focusFirstColumn(window);
         bar = window.findChild<FindBar*>();
     }
 
-    NodePtr add(const NodePtr& parent, const std::string& text) {
-        window.document().userDidAdd(*NotebookNode::create(parent->identifier(), text), *parent,
-                                     -1);
-        return parent->children().back();
-    }
     NoteColumn* column(int depth) const { return window.columnRow()->column(depth); }
     QString selectedText(int depth) const {
         NoteColumn* shown = column(depth);
@@ -43,18 +34,17 @@ protected:
                    ? QString::fromStdString(shown->selectedNode()->text())
                    : QString();
     }
-    void trigger(const char* name) {
-        window.findChild<QAction*>(QString::fromLatin1(name))->trigger();
-    }
+    void trigger(const char* name) { action(window, name).trigger(); }
+    QLineEdit* field() const { return bar->findChild<QLineEdit*>(QStringLiteral("findField")); }
+    QLabel* count() const { return bar->findChild<QLabel*>(QStringLiteral("findCount")); }
     // The index is built in the background: the count shows once it is ready.
     void expectCount(const QString& text) {
-        EXPECT_TRUE(QTest::qWaitFor([&] {
-            return bar->findChild<QLabel*>(QStringLiteral("findCount"))->text() == text;
-        })) << bar->findChild<QLabel*>(QStringLiteral("findCount"))->text().toStdString();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return count()->text() == text; }))
+            << count()->text().toStdString();
     }
     void search(const QString& text) {
         trigger("actionFind");
-        QTest::keyClicks(bar->findChild<QLineEdit*>(QStringLiteral("findField")), text);
+        QTest::keyClicks(field(), text);
     }
 
     DocumentWindow& window;
@@ -64,11 +54,11 @@ protected:
 TEST_F(FindBarTest, ReturnOpensTheColumnsAlongThePathAndFocusesTheNote) {
     ASSERT_NE(bar, nullptr);
     search(QStringLiteral("APPLE"));
-    EXPECT_TRUE(bar->findChild<QLineEdit*>(QStringLiteral("findField"))->hasFocus());
+    EXPECT_TRUE(field()->hasFocus());
     expectCount(QStringLiteral("2 notes"));
 
-    QTest::keyClick(bar->findChild<QLineEdit*>(QStringLiteral("findField")), Qt::Key_Down);
-    QTest::keyClick(bar->findChild<QLineEdit*>(QStringLiteral("findField")), Qt::Key_Return);
+    QTest::keyClick(field(), Qt::Key_Down);
+    QTest::keyClick(field(), Qt::Key_Return);
 
     EXPECT_FALSE(bar->isVisible());
     EXPECT_EQ(selectedText(0), QStringLiteral("Garden"));
@@ -80,7 +70,7 @@ TEST_F(FindBarTest, ReturnOpensTheColumnsAlongThePathAndFocusesTheNote) {
 TEST_F(FindBarTest, EscapeClosesAndGivesTheFocusBack) {
     QWidget* before = QApplication::focusWidget();
     search(QStringLiteral("pear"));
-    QTest::keyClick(bar->findChild<QLineEdit*>(QStringLiteral("findField")), Qt::Key_Escape);
+    QTest::keyClick(field(), Qt::Key_Escape);
     EXPECT_FALSE(bar->isVisible());
     EXPECT_EQ(QApplication::focusWidget(), before);
 }
@@ -88,7 +78,7 @@ TEST_F(FindBarTest, EscapeClosesAndGivesTheFocusBack) {
 TEST_F(FindBarTest, NextAndPreviousWalkTheLastSearchWithoutTheBar) {
     search(QStringLiteral("apple"));
     expectCount(QStringLiteral("2 notes"));
-    QTest::keyClick(bar->findChild<QLineEdit*>(QStringLiteral("findField")), Qt::Key_Return);
+    QTest::keyClick(field(), Qt::Key_Return);
     EXPECT_EQ(selectedText(1), QStringLiteral("apple pie"));
 
     const std::vector<std::pair<const char*, const char*>> steps{
@@ -117,8 +107,7 @@ TEST_F(FindBarTest, ResultsFollowEditsUndoAndDeletion) {
     document.userDidMove(*document.rootNode()->children()[1], *document.deletedRootNode());
     expectCount(QStringLiteral("1 note"));
     bar->findChild<QCheckBox*>(QStringLiteral("findIncludeDeleted"))->setChecked(true);
-    EXPECT_EQ(bar->findChild<QLabel*>(QStringLiteral("findCount"))->text(),
-              QStringLiteral("2 notes"));
+    EXPECT_EQ(count()->text(), QStringLiteral("2 notes"));
     const QModelIndex last =
         bar->findChild<QListView*>(QStringLiteral("findResults"))->model()->index(1, 0);
     EXPECT_TRUE(last.data(FindResultsModel::DeletedRole).toBool());

@@ -17,38 +17,26 @@
 namespace quillery {
 namespace {
 
-// A shown notebook holding A(a1 a2) B C, its first column focused on A.
+// A shown notebook holding A(a1 a2) B C, its first column focused on A, no step to undo.
 class NoteCommandsTest : public AppFixture {
 protected:
     NoteCommandsTest() {
         window = controller.newDocument();
-        Document& document = window->document();
-        const NodePtr a = add(document.rootNode(), "A");
-        add(a, "a1");
-        add(a, "a2");
-        add(document.rootNode(), "B");
-        add(document.rootNode(), "C");
-        window->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
-        window->columnRow()->column(0)->takeFocus();
-        QApplication::processEvents();
-    }
-    ~NoteCommandsTest() override { QGuiApplication::clipboard()->clear(); }
-
-    NodePtr add(const NodePtr& parent, const std::string& text) {
-        Document& document = window->document();
-        const NodePtr note = NotebookNode::create(parent->identifier(), text);
-        document.add(*note, *parent, -1);
-        return document.node(note->identifier());
+        const NodePtr a = addNote(*window, "A");
+        addNote(*window, "a1", a);
+        addNote(*window, "a2", a);
+        addNote(*window, "B");
+        addNote(*window, "C");
+        window->undoManager().removeAllActions();
+        focusFirstColumn(*window);
     }
 
-    static std::string describe(const NotebookNode& node) {
+    static std::string outline(const NotebookNode& node) {
         std::string out;
         for (const NodePtr& child : node.children()) {
-            out += out.empty() ? "" : " ";
-            out += child->imageIdentifier() ? "[picture]" : child->text();
+            out += (out.empty() ? "" : " ") + child->text();
             if (!child->children().empty())
-                out += "(" + describe(*child) + ")";
+                out += "(" + outline(*child) + ")";
         }
         return out;
     }
@@ -56,16 +44,6 @@ protected:
     static void press(QKeyCombination key) {
         ASSERT_NE(QApplication::focusWidget(), nullptr);
         QTest::keyClick(QApplication::focusWidget(), key.key(), key.keyboardModifiers());
-    }
-
-    NoteColumn* focusedColumn() const {
-        return NoteColumn::containing(QApplication::focusWidget());
-    }
-
-    static QAction& action(DocumentWindow& window, const char* name) {
-        auto* found = window.findChild<QAction*>(QString::fromLatin1(name));
-        EXPECT_NE(found, nullptr) << name;
-        return *found;
     }
 
     DocumentWindow* window = nullptr;
@@ -103,14 +81,14 @@ const KeyCase kKeyCases[] = {
     {"UndoneAtOnce", {kNext, kIn, kUndo}, "A(a1 a2) B C", "a2", 1, "&Undo"},
 };
 
-class KeyCommands : public NoteCommandsTest, public testing::WithParamInterface<KeyCase> {};
+class KeyCommands : public NoteCommandsTest, public ::testing::WithParamInterface<KeyCase> {};
 
 TEST_P(KeyCommands, ChangeTheOutlineAndTheSelectionFollows) {
     const KeyCase& test = GetParam();
     for (const QKeyCombination key : test.keys)
         press(key);
-    EXPECT_EQ(describe(*window->document().rootNode()), test.outline);
-    NoteColumn* column = focusedColumn();
+    EXPECT_EQ(outline(*window->document().rootNode()), test.outline);
+    NoteColumn* column = NoteColumn::containing(QApplication::focusWidget());
     ASSERT_NE(column, nullptr);
     EXPECT_EQ(column->depth(), test.depth);
     ASSERT_NE(column->selectedNode(), nullptr);
@@ -118,7 +96,7 @@ TEST_P(KeyCommands, ChangeTheOutlineAndTheSelectionFollows) {
     EXPECT_EQ(action(*window, "actionUndo").text(), QString::fromLatin1(test.undo));
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, KeyCommands, testing::ValuesIn(kKeyCases),
+INSTANTIATE_TEST_SUITE_P(Cases, KeyCommands, ::testing::ValuesIn(kKeyCases),
                          [](const auto& caseInfo) { return std::string(caseInfo.param.name); });
 
 TEST_F(NoteCommandsTest, DeletedNotesShowTheLatestFirstAndReturnPutsOneBack) {
@@ -138,11 +116,11 @@ TEST_F(NoteCommandsTest, DeletedNotesShowTheLatestFirstAndReturnPutsOneBack) {
 
     QTest::keyClick(list, Qt::Key_Return);
 
-    EXPECT_EQ(describe(*document.rootNode()), "A(a1) B C");
+    EXPECT_EQ(outline(*document.rootNode()), "A(a1) B C");
     ASSERT_EQ(list->topLevelItemCount(), 1);
     EXPECT_EQ(list->topLevelItem(0)->text(0), QStringLiteral("a2"));
     action(*window, "actionUndo").trigger();
-    EXPECT_EQ(describe(*document.rootNode()), "A(a1) C");
+    EXPECT_EQ(outline(*document.rootNode()), "A(a1) C");
     EXPECT_TRUE(QTest::qWaitFor([&] { return list->topLevelItemCount() == 2; }));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "KeyScript.h"
 #include "OpenedUrls.h"
 #include "QtPrinters.h"
 #include "columns/AddNoteButton.h"
@@ -39,11 +40,11 @@ struct ColumnSignals {
     explicit ColumnSignals(NoteColumn& column) {
         QObject::connect(&column, &NoteColumn::noteSelected,
                          [this](const NodePtr& node) { selected.push_back(node); });
-        QObject::connect(&column, &NoteColumn::selectionCleared, [this] { ++cleared; });
+        QObject::connect(&column, &NoteColumn::selectionCleared, [this] { asked += 'x'; });
         QObject::connect(&column, &NoteColumn::picturePreviewRequested,
                          [this](const NodePtr& node) { previewed.push_back(node); });
-        QObject::connect(&column, &NoteColumn::focusLeftRequested, [this] { ++left; });
-        QObject::connect(&column, &NoteColumn::focusRightRequested, [this] { ++right; });
+        QObject::connect(&column, &NoteColumn::focusLeftRequested, [this] { asked += '<'; });
+        QObject::connect(&column, &NoteColumn::focusRightRequested, [this] { asked += '>'; });
         QObject::connect(&column, &NoteColumn::editorRequested, [this](NoteEditorPanel* panel) {
             editor.reset(panel);
             editor->setParent(nullptr);
@@ -56,9 +57,8 @@ struct ColumnSignals {
 
     std::vector<NodePtr> selected;
     std::vector<NodePtr> previewed;
-    int cleared = 0;
-    int left = 0;
-    int right = 0;
+    // The rest, in order: 'x' the selection cleared, '<' and '>' the focus asked to move.
+    std::string asked;
     int editorsDone = 0;
     std::unique_ptr<NoteEditorPanel> editor;
 };
@@ -116,26 +116,20 @@ protected:
         QApplication::processEvents();
     }
 
-    // Sends a key to whatever has the keyboard focus, as the keyboard would.
-    static void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QWidget* target = QApplication::focusWidget();
-        ASSERT_NE(target, nullptr);
-        QTest::keyClick(target, key, modifiers);
-    }
-
-    static std::vector<std::string> texts(const NodePtr& parent) {
-        std::vector<std::string> result;
+    // The texts of the note's children, joined by commas.
+    static std::string texts(const NodePtr& parent) {
+        std::string result;
         for (const NodePtr& child : parent->children())
-            result.push_back(child->text());
+            result += (child == parent->children().front() ? "" : ", ") + child->text();
         return result;
     }
 
-    // The texts the column's rows show, in order.
-    static std::vector<std::string> shownTexts(const NoteColumn& shown) {
-        std::vector<std::string> result;
-        const QAbstractItemModel* model = shown.listView()->model();
+    // The texts the column's rows show, joined by commas.
+    static std::string shown(const NoteColumn& column) {
+        std::string result;
+        const QAbstractItemModel* model = column.listView()->model();
         for (int row = 0; row < model->rowCount(); ++row)
-            result.push_back(model->index(row, 0).data().toString().toStdString());
+            result += (row ? ", " : "") + model->index(row, 0).data().toString().toStdString();
         return result;
     }
 

@@ -2,6 +2,8 @@
 
 #include <QAbstractItemModelTester>
 
+#include <sstream>
+
 namespace quillery::testing {
 namespace {
 
@@ -23,9 +25,9 @@ protected:
     }
 
     // The rows of the column whose data changed, one entry per change.
-    static std::shared_ptr<std::vector<int>> refreshedRows(const NoteColumn& shown) {
+    static std::shared_ptr<std::vector<int>> refreshedRows(const NoteColumn& of) {
         auto rows = std::make_shared<std::vector<int>>();
-        QObject::connect(shown.listView()->model(), &QAbstractItemModel::dataChanged,
+        QObject::connect(of.listView()->model(), &QAbstractItemModel::dataChanged,
                          [rows](const QModelIndex& first) { rows->push_back(first.row()); });
         return rows;
     }
@@ -36,22 +38,39 @@ protected:
     std::vector<std::unique_ptr<QAbstractItemModelTester>> testers;
 };
 
+void remove(Document& document, const NodePtr& note) {
+    document.userDidMove(*note, *document.deletedRootNode());
+}
+
+// A change to parent's notes a, b, c: "add TEXT AT", "delete ROW" or "move ROW TO".
 struct UpdateCase {
     const char* name;
     int selected; // before the change
-    void (*change)(Document& document, const NodePtr& parent, const NodePtr& sibling);
-    std::vector<std::string> shown;
-    const char* nowSelected; // null: no selection
+    const char* change;
+    const char* shown;
+    const char* nowSelected; // "-" for none
     bool heard;              // the row heard of a new selection
 
     friend void PrintTo(const UpdateCase& c, std::ostream* out) { *out << c.name; }
 };
 
-void remove(Document& document, const NodePtr& note) {
-    document.userDidMove(*note, *document.deletedRootNode());
-}
-
-class RowOperations : public ColumnUpdates, public ::testing::WithParamInterface<UpdateCase> {};
+class RowOperations : public ColumnUpdates, public ::testing::WithParamInterface<UpdateCase> {
+protected:
+    void change(const std::string& script) {
+        std::istringstream words(script);
+        std::string verb;
+        std::string text;
+        std::size_t row = 0;
+        std::size_t to = 0;
+        words >> verb;
+        if (verb == "add" && words >> text >> to)
+            add(parent, text, static_cast<long>(to));
+        else if (verb == "delete" && words >> row)
+            remove(document, parent->children()[row]);
+        else if (verb == "move" && words >> row >> to)
+            document.userDidMove(*parent->children()[row], to);
+    }
+};
 
 TEST_P(RowOperations, ShowTheNewOrderAndKeepTheSelectionOnItsNoteOrNearby) {
     const UpdateCase& test = GetParam();
@@ -60,77 +79,31 @@ TEST_P(RowOperations, ShowTheNewOrderAndKeepTheSelectionOnItsNoteOrNearby) {
     else
         column->listView()->clearSelection();
     const std::size_t heardBefore = heard->selected.size();
-    test.change(document, parent, sibling);
-    EXPECT_EQ(shownTexts(*column), test.shown);
+    change(test.change);
+    EXPECT_EQ(shown(*column), test.shown);
     const NodePtr selected = column->selectedNode();
-    EXPECT_EQ(selected ? selected->text() : "(none)",
-              test.nowSelected ? test.nowSelected : "(none)");
+    EXPECT_EQ(selected ? selected->text() : "-", test.nowSelected);
     EXPECT_EQ(heard->selected.size(), heardBefore + (test.heard ? 1 : 0));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Changes, RowOperations,
-    ::testing::Values(UpdateCase{"AnInsertionKeepsTheSelectedNote",
-                                 1,
-                                 [](Document& d, const NodePtr& p, const NodePtr&) {
-                                     d.userDidAdd(*NotebookNode::create(p->identifier(), "new"), *p,
-                                                  0);
-                                 },
-                                 {"new", "a", "b", "c"},
-                                 "b",
-                                 false},
-                      UpdateCase{"DeletingTheLastRowSelectsTheNewLast",
-                                 2,
-                                 [](Document& d, const NodePtr& p, const NodePtr&) {
-                                     remove(d, p->children()[2]);
-                                 },
-                                 {"a", "b"},
-                                 "b",
-                                 true},
-                      UpdateCase{"DeletingTheFirstRowSelectsTheNoteInItsPlace",
-                                 0,
-                                 [](Document& d, const NodePtr& p, const NodePtr&) {
-                                     remove(d, p->children()[0]);
-                                 },
-                                 {"b", "c"},
-                                 "b",
-                                 true},
-                      UpdateCase{"DeletingWithNothingSelectedSelectsNothing",
-                                 -1,
-                                 [](Document& d, const NodePtr& p, const NodePtr&) {
-                                     remove(d, p->children()[1]);
-                                 },
-                                 {"a", "c"},
-                                 nullptr,
-                                 false},
-                      UpdateCase{"ReorderingCarriesTheSelection",
-                                 0,
-                                 [](Document& d, const NodePtr& p, const NodePtr&) {
-                                     d.userDidMove(*p->children()[0], 3);
-                                 },
-                                 {"b", "c", "a"},
-                                 "a",
-                                 false},
-                      UpdateCase{"UndoAndRedoFromTheEditMenu",
-                                 2,
-                                 [](Document& d, const NodePtr& p, const NodePtr& s) {
-                                     d.userDidMove(*s, *p, 1);
-                                     d.undoManager()->undo();
-                                     d.undoManager()->redo();
-                                 },
-                                 {"a", "sibling", "b", "c"},
-                                 "c",
-                                 false}),
+    ::testing::Values(
+        UpdateCase{"AnInsertionKeepsTheSelectedNote", 1, "add new 0", "new, a, b, c", "b", false},
+        UpdateCase{"DeletingTheLastRowSelectsTheNewLast", 2, "delete 2", "a, b", "b", true},
+        UpdateCase{"DeletingTheFirstRowSelectsTheNext", 0, "delete 0", "b, c", "b", true},
+        UpdateCase{"DeletingWithNothingSelected", -1, "delete 1", "a, c", "-", false},
+        UpdateCase{"ReorderingCarriesTheSelection", 0, "move 0 3", "b, c, a", "a", false}),
     [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST_F(ColumnUpdates, TheLabelShowsWhileTheColumnIsEmpty) {
     open(sibling);
     EXPECT_TRUE(emptyLabel()->isVisible());
     const NodePtr only = add(sibling, "only");
-    EXPECT_EQ(shownTexts(*column), std::vector<std::string>{"only"});
+    EXPECT_EQ(shown(*column), "only");
     EXPECT_FALSE(emptyLabel()->isVisible());
     remove(document, only);
-    EXPECT_TRUE(shownTexts(*column).empty());
+    EXPECT_EQ(shown(*column), "");
     EXPECT_TRUE(emptyLabel()->isVisible());
 }
 
@@ -140,8 +113,8 @@ TEST_F(ColumnUpdates, AMoveUpdatesBothColumnsAndTheCountsOfBothParents) {
                                     QAbstractItemModelTester::FailureReportingMode::Fatal);
     const auto refreshed = refreshedRows(*rootColumn);
     document.userDidMove(*parent->children()[1], *sibling);
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"a", "c"}));
-    EXPECT_EQ(shownTexts(*siblingColumn), std::vector<std::string>{"b"});
+    EXPECT_EQ(shown(*column), "a, c");
+    EXPECT_EQ(shown(*siblingColumn), "b");
     EXPECT_EQ(*refreshed, (std::vector<int>{1, 0}));
 }
 
@@ -149,7 +122,7 @@ TEST_F(ColumnUpdates, AChildAddedFurtherInRefreshesOnlyItsParentsRow) {
     const auto refreshed = refreshedRows(*rootColumn);
     add(sibling, "child");
     EXPECT_EQ(*refreshed, std::vector<int>{1});
-    EXPECT_EQ(shownTexts(*rootColumn), (std::vector<std::string>{"parent", "sibling"}));
+    EXPECT_EQ(shown(*rootColumn), "parent, sibling");
 }
 
 TEST_F(ColumnUpdates, ChangedTextRedrawsAndRemeasuresTheRow) {
@@ -169,7 +142,7 @@ TEST_F(ColumnUpdates, AnotherDocumentIsNeverHeard) {
     Document other(otherPreferences);
     other.userDidAdd(*NotebookNode::create(other.rootNode()->identifier(), "x"), *other.rootNode(),
                      0);
-    EXPECT_EQ(shownTexts(*rootColumn), (std::vector<std::string>{"parent", "sibling"}));
+    EXPECT_EQ(shown(*rootColumn), "parent, sibling");
 }
 
 } // namespace

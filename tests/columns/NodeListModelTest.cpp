@@ -31,7 +31,7 @@ TEST_F(NodeListModelTest, ADraggedRowMovesBetweenRowsButNotOntoItsPlace) {
     EXPECT_FALSE(model->canDropMimeData(drag.get(), Qt::MoveAction, -1, -1, model->index(0, 0)));
     EXPECT_TRUE(model->canDropMimeData(drag.get(), Qt::MoveAction, 3, 0, {}));
     EXPECT_TRUE(model->dropMimeData(drag.get(), Qt::MoveAction, 3, 0, {}));
-    EXPECT_EQ(shownTexts(*column), (std::vector<std::string>{"b", "c", "a"}));
+    EXPECT_EQ(shown(*column), "b, c, a");
 }
 
 TEST_F(NodeListModelTest, ADroppedAddressIsCopiedAndOpensInTheEditorNextTurn) {

@@ -1,0 +1,83 @@
+#include "app/AppCommands.h"
+
+#include "OpenedUrls.h"
+#include "QtPrinters.h"
+#include "app/AboutDialog.h"
+#include "app/AppInfo.h"
+#include "columns/NoteColumn.h"
+#include "document/Document.h"
+#include "document/InMemoryPreferences.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <QTest>
+#include <QUrlQuery>
+
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace quillery {
+namespace {
+
+TEST(FeedbackAddress, NamesThePlatformVersionAndBuild) {
+    const QUrl url(AppInfo::feedbackMailAddress(QStringLiteral("feedback@example.org"),
+                                                QStringLiteral("2.0"), QStringLiteral("100")));
+    EXPECT_EQ(url.toString(QUrl::FullyEncoded),
+              QStringLiteral("mailto:feedback@example.org?subject=Feedback%20on%20Quillery%20Linux"
+                             "%202.0%20(100)"));
+    EXPECT_EQ(url.path(), QStringLiteral("feedback@example.org"));
+    EXPECT_EQ(QUrlQuery(url).queryItemValue(QStringLiteral("subject"), QUrl::FullyDecoded),
+              QStringLiteral("Feedback on Quillery Linux 2.0 (100)"));
+}
+
+class AppCommandsTest : public ::testing::Test {
+protected:
+    AppCommandsTest() {
+        testing::openedUrls().clear();
+        QObject::connect(&commands, &AppCommands::newNotebookRequested, [this] { ++newNotebooks; });
+    }
+
+    AppCommands commands;
+    int newNotebooks = 0;
+};
+
+TEST_F(AppCommandsTest, HelpFeedbackAndTheAboutLinksOpenTheirAddresses) {
+    commands.showHelp();
+    commands.sendFeedback();
+    commands.followOnSocialNetwork();
+    AboutDialog about;
+    for (const char* link : {"siteLinkButton", "socialLinkButton"})
+        QTest::mouseClick(about.findChild<QPushButton*>(QString::fromLatin1(link)), Qt::LeftButton);
+    EXPECT_EQ(testing::openedUrls(),
+              (std::vector<QUrl>{
+                  AppInfo::helpUrl(),
+                  QUrl(AppInfo::feedbackMailAddress(AppInfo::feedbackEmail(), AppInfo::version(),
+                                                    AppInfo::buildNumber())),
+                  AppInfo::socialUrl(), AppInfo::siteUrl(), AppInfo::socialUrl()}));
+}
+
+TEST_F(AppCommandsTest, AddNoteGoesToTheFocusedColumnElseToANewNotebook) {
+    InMemoryPreferences preferences;
+    Document document(preferences);
+    NoteColumn column(&document);
+    column.setRepresentedNode(document.rootNode());
+    column.show();
+    column.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&column));
+    column.takeFocus();
+    commands.addNote();
+    EXPECT_NE(column.temporaryNode(), nullptr);
+    EXPECT_EQ(newNotebooks, 0);
+
+    QWidget elsewhere;
+    elsewhere.setFocusPolicy(Qt::StrongFocus);
+    elsewhere.show();
+    elsewhere.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
+    elsewhere.setFocus();
+    commands.addNote();
+    EXPECT_EQ(newNotebooks, 1);
+}
+
+} // namespace
+} // namespace quillery
