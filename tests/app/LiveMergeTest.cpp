@@ -1,6 +1,5 @@
 #include "app/LiveMerge.h"
 
-#include "QtPrinters.h"
 #include "app/AppFixture.h"
 #include "app/MessageBar.h"
 
@@ -38,11 +37,8 @@ protected:
         ASSERT_TRUE(settled.wait(10000));
     }
 
-    static std::vector<std::string> texts(NoteColumn* column) {
-        std::vector<std::string> shown;
-        for (const NodePtr& child : column->representedNode()->children())
-            shown.push_back(child->text());
-        return shown;
+    static std::vector<std::string> shown(NoteColumn* column) {
+        return texts(*column->representedNode());
     }
 };
 
@@ -57,7 +53,7 @@ TEST_F(LiveMergeTest, LaterNotesJoinInPlaceAndTheSelectionStays) {
 
     EXPECT_EQ(window.columnRow()->column(0), first) << "no column was rebuilt";
     EXPECT_EQ(rowCount(first), 4);
-    EXPECT_EQ(texts(first), (std::vector<std::string>{"A", "New", "B", "C"}));
+    EXPECT_EQ(shown(first), (std::vector<std::string>{"A", "New", "B", "C"}));
     EXPECT_EQ(first->selectedNode()->text(), "C");
 }
 
@@ -71,7 +67,7 @@ TEST_F(LiveMergeTest, UndoAfterAMergeTakesBackOnlyTheLocalEdit) {
     merge(window);
     window.undoManager().undo();
 
-    EXPECT_EQ(texts(window.columnRow()->column(0)), (std::vector<std::string>{"A", "Theirs"}));
+    EXPECT_EQ(shown(window.columnRow()->column(0)), (std::vector<std::string>{"A", "Theirs"}));
 }
 
 TEST_F(LiveMergeTest, EarlierNotesAreReplayedAndTheSameColumnsOpenAgain) {
@@ -90,7 +86,7 @@ TEST_F(LiveMergeTest, EarlierNotesAreReplayedAndTheSameColumnsOpenAgain) {
     // The row is rebuilt over the replayed tree.
     EXPECT_TRUE(before.isNull());
     ColumnRow& split = *window.columnRow();
-    EXPECT_EQ(texts(split.column(0)), (std::vector<std::string>{"Old", "A", "B"}));
+    EXPECT_EQ(shown(split.column(0)), (std::vector<std::string>{"Old", "A", "B"}));
     ASSERT_NE(split.column(1), nullptr);
     EXPECT_EQ(split.column(0)->selectedNode()->text(), "B");
     EXPECT_EQ(split.column(1)->selectedNode()->text(), "B1");
@@ -105,7 +101,7 @@ TEST_F(LiveMergeTest, ADamagedJournalLeavesTheNotebookAndIsNamedInTheWindow) {
 
     EXPECT_TRUE(window.messageBar()->isVisible());
     EXPECT_TRUE(window.messageBar()->text().contains(QStringLiteral("Broken.journal")));
-    EXPECT_EQ(texts(window.columnRow()->column(0)), std::vector<std::string>{"A"});
+    EXPECT_EQ(shown(window.columnRow()->column(0)), std::vector<std::string>{"A"});
 }
 
 } // namespace

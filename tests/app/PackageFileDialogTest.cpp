@@ -10,52 +10,52 @@
 namespace quillery {
 namespace {
 
-// The dialog's choices are driven here through its own selection and accept(), as its buttons
-// and double-clicks do.
-class PackageFileDialogTest : public ::testing::Test {
-protected:
-    PackageFileDialogTest() {
-        QDir(m_directory.path()).mkpath(QStringLiteral("Trip.quillery"));
-        QDir(m_directory.path()).mkpath(QStringLiteral("Folder"));
-    }
-
-    QString path(const QString& name) const { return m_directory.filePath(name); }
-    static std::filesystem::path fsPath(const QString& path) {
-        return std::filesystem::path(QDir::cleanPath(path).toStdString());
-    }
-
-    QTemporaryDir m_directory;
+// The dialog in a folder holding the package Trip.quillery and the folder Folder, driven through
+// its own selection and accept(), as its buttons and double-clicks do.
+struct Choice {
+    const char* name;
+    QFileDialog::AcceptMode mode;
+    const char* selected;
+    const char* chosen; // null: the dialog stays open, in the folder selected
 };
 
-TEST_F(PackageFileDialogTest, OpenChoosesAPackage) {
-    PackageFileDialog dialog(nullptr, QFileDialog::AcceptOpen, m_directory.path());
-    dialog.selectFile(path(QStringLiteral("Trip.quillery")));
+class PackageFileDialogTest : public ::testing::TestWithParam<Choice> {};
+
+TEST_P(PackageFileDialogTest, ChoosesPackagesAndGoesIntoOtherFolders) {
+    const Choice& test = GetParam();
+    const QTemporaryDir directory;
+    QDir(directory.path()).mkpath(QStringLiteral("Trip.quillery"));
+    QDir(directory.path()).mkpath(QStringLiteral("Folder"));
+    const auto at = [&](const char* name) {
+        return directory.filePath(QString::fromUtf8(name));
+    };
+    PackageFileDialog dialog(nullptr, test.mode, directory.path());
+    dialog.selectFile(at(test.selected));
     dialog.accept();
+    EXPECT_EQ(dialog.result() == QDialog::Accepted, test.chosen != nullptr);
+    if (test.chosen)
+        EXPECT_EQ(dialog.chosenPackage(), std::filesystem::path(at(test.chosen).toStdString()));
+    else
+        EXPECT_EQ(QDir::cleanPath(dialog.directory().absolutePath()), at(test.selected));
+}
+
+INSTANTIATE_TEST_SUITE_P(Choices, PackageFileDialogTest,
+                         ::testing::Values(Choice{"OpenAPackage", QFileDialog::AcceptOpen,
+                                                  "Trip.quillery", "Trip.quillery"},
+                                           Choice{"OpenGoesIntoAFolder", QFileDialog::AcceptOpen,
+                                                  "Folder", nullptr},
+                                           Choice{"SaveAddsTheSuffix", QFileDialog::AcceptSave,
+                                                  "Recipes", "Recipes.quillery"}),
+                         [](const auto& testCase) { return std::string(testCase.param.name); });
+
+TEST(PackageFileDialog, EnteringAPackageWhileOpeningChoosesIt) {
+    const QTemporaryDir directory;
+    QDir(directory.path()).mkpath(QStringLiteral("Trip.quillery"));
+    const QString package = directory.filePath(QStringLiteral("Trip.quillery"));
+    PackageFileDialog dialog(nullptr, QFileDialog::AcceptOpen, directory.path());
+    emit dialog.directoryEntered(package);
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    EXPECT_EQ(dialog.chosenPackage(), fsPath(path(QStringLiteral("Trip.quillery"))));
-}
-
-TEST_F(PackageFileDialogTest, OpenGoesIntoAnOrdinaryFolderInsteadOfChoosingIt) {
-    PackageFileDialog dialog(nullptr, QFileDialog::AcceptOpen, m_directory.path());
-    dialog.selectFile(path(QStringLiteral("Folder")));
-    dialog.accept();
-    EXPECT_NE(dialog.result(), QDialog::Accepted);
-    EXPECT_FALSE(dialog.chosenPackage().has_value());
-    EXPECT_EQ(QDir::cleanPath(dialog.directory().absolutePath()), path(QStringLiteral("Folder")));
-}
-
-TEST_F(PackageFileDialogTest, EnteringAPackageWhileOpeningChoosesIt) {
-    PackageFileDialog dialog(nullptr, QFileDialog::AcceptOpen, m_directory.path());
-    emit dialog.directoryEntered(path(QStringLiteral("Trip.quillery")));
-    EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    EXPECT_EQ(dialog.chosenPackage(), fsPath(path(QStringLiteral("Trip.quillery"))));
-}
-
-TEST_F(PackageFileDialogTest, SaveAppendsTheSuffixToANewName) {
-    PackageFileDialog dialog(nullptr, QFileDialog::AcceptSave, m_directory.path());
-    dialog.selectFile(QStringLiteral("Recipes"));
-    dialog.accept();
-    EXPECT_EQ(dialog.chosenPackage(), fsPath(path(QStringLiteral("Recipes.quillery"))));
+    EXPECT_EQ(dialog.chosenPackage(), std::filesystem::path(package.toStdString()));
 }
 
 } // namespace
