@@ -35,8 +35,9 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QTemporaryDir home;
     for (const char* variable :
-         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"})
+         {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME"}) {
         qputenv(variable, (home.path() + QLatin1Char('/') + QLatin1String(variable)).toUtf8());
+    }
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("QuilleryTests"));
     QApplication::setApplicationName(QStringLiteral("QuilleryTests"));

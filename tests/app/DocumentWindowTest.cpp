@@ -43,11 +43,13 @@ TEST_F(DocumentWindowTest, HistoryAndNoteCommandsWaitWhileAPanelIsOpen) {
     DocumentWindow& window = *controller.newDocument();
     addNote(window, "first");
     window.columnRow()->showPanel(new QWidget, 1);
-    for (const char* name : {"actionUndo", "actionAddNote", "actionEditNote", "actionFind"})
+    for (const char* name : {"actionUndo", "actionAddNote", "actionEditNote", "actionFind"}) {
         EXPECT_FALSE(action(window, name).isEnabled()) << name;
+    }
     window.columnRow()->closePanel();
-    for (const char* name : {"actionUndo", "actionAddNote", "actionEditNote", "actionFind"})
+    for (const char* name : {"actionUndo", "actionAddNote", "actionEditNote", "actionFind"}) {
         EXPECT_TRUE(action(window, name).isEnabled()) << name;
+    }
 }
 
 TEST_F(DocumentWindowTest, AddNoteGoesToTheFocusedColumnElseToANewNotebook) {

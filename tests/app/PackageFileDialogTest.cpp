@@ -33,10 +33,11 @@ TEST_P(PackageFileDialogTest, ChoosesPackagesAndGoesIntoOtherFolders) {
     dialog.selectFile(at(test.selected));
     dialog.accept();
     EXPECT_EQ(dialog.result() == QDialog::Accepted, test.chosen != nullptr);
-    if (test.chosen)
+    if (test.chosen) {
         EXPECT_EQ(dialog.chosenPackage(), std::filesystem::path(at(test.chosen).toStdString()));
-    else
+    } else {
         EXPECT_EQ(QDir::cleanPath(dialog.directory().absolutePath()), at(test.selected));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Choices, PackageFileDialogTest,

@@ -19,9 +19,10 @@ protected:
             add(parent, text);
         open(parent);
         rootColumn = makeColumn(document.rootNode(), 0);
-        for (NoteColumn* each : {column.get(), rootColumn.get()})
+        for (NoteColumn* each : {column.get(), rootColumn.get()}) {
             testers.push_back(std::make_unique<QAbstractItemModelTester>(
                 each->listView()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal));
+        }
     }
 
     // The rows of the column whose data changed, one entry per change.

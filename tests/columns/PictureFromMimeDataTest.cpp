@@ -42,8 +42,9 @@ TEST_P(PictureFromMimeDataTest, TakesTheFirstPictureThatDecodes) {
         return;
     EXPECT_EQ(taken->fileExtension, QStringLiteral("jpg"));
     const QColor stored = decodePicture(taken->imageData).pixelColor(4, 4);
-    for (const auto channel : {&QColor::red, &QColor::green, &QColor::blue})
+    for (const auto channel : {&QColor::red, &QColor::green, &QColor::blue}) {
         EXPECT_NEAR((stored.*channel)(), (GetParam().colour.value().*channel)(), 8);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
