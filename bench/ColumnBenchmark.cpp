@@ -73,7 +73,7 @@ void BM_OpenColumn(benchmark::State& state) {
         timer.start();
         auto column = std::make_unique<NoteColumn>(&document);
         column->setDepth(1);
-        column->setRepresentedNode(note);
+        column->setParentNote(note);
         column->resize(320, 900);
         PaintWatcher watcher;
         column->listView()->viewport()->installEventFilter(&watcher);

@@ -67,9 +67,9 @@ public:
     // notebook back. Closing the last window ends the app, so its notebook comes back with the
     // rest; a window closed while others stay open is gone for good.
     void windowWillClose(const DocumentWindow& window);
-    // The Help menu's commands; without a delegate they are disabled. Set before any window.
+    // The Help menu's commands; without them the menu is disabled. Set before any window.
     AppCommands* appCommands() const { return m_appCommands; }
-    void setAppCommands(AppCommands* delegate) { m_appCommands = delegate; }
+    void setAppCommands(AppCommands* commands) { m_appCommands = commands; }
 
     struct ReadResult {
         std::unique_ptr<Document> document;

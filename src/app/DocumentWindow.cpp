@@ -152,7 +152,7 @@ void DocumentWindow::revert() {
     startLiveMerge();
     columnRow()->focusColumn(0);
     where.restore(*m_content, *m_document);
-    documentDidChange();
+    documentChanged();
 }
 
 bool DocumentWindow::prepareToClose() {
@@ -240,11 +240,11 @@ void DocumentWindow::connectActions() {
 
 void DocumentWindow::attachDocument() {
     m_document->setUndoManager(m_undoManager.get());
-    m_undoManager->setChangeListener([this] { documentDidChange(); });
+    m_undoManager->setChangeListener([this] { documentChanged(); });
     m_observer = m_document->addObserver([this](const DocumentUpdate& update) {
         if (update.type == NodeUpdateType::reloadedTree)
             rebuildContent();
-        documentDidChange();
+        documentChanged();
     });
 }
 
@@ -298,8 +298,8 @@ void DocumentWindow::startLiveMerge() {
     });
 }
 
-void DocumentWindow::documentDidChange() {
-    m_noteCommands->documentDidChange();
+void DocumentWindow::documentChanged() {
+    m_noteCommands->documentChanged();
     updateTitle();
     updateActions();
     if (m_document->fileLocation() && m_document->hasUnsavedChanges())

@@ -80,7 +80,7 @@ private:
     void rebuildContent();
     // Follows the package on disk from now on (or stops, when the notebook has no location).
     void startLiveMerge();
-    void documentDidChange();
+    void documentChanged();
     void updateTitle();
     void updateActions();
     void autosave();

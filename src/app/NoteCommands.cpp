@@ -60,7 +60,7 @@ void NoteCommands::showDeletedNotes() {
     m_deletedNotes->activateWindow();
 }
 
-void NoteCommands::documentDidChange() {
+void NoteCommands::documentChanged() {
     if (m_deletedNotes && m_deletedNotes->isVisible())
         m_deletedNotes->scheduleReload();
 }

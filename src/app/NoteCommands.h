@@ -26,7 +26,7 @@ public:
     // View > Deleted Notes, made the first time it is asked for.
     void showDeletedNotes();
     // The window's document changed (or was replaced): the deleted notes follow.
-    void documentDidChange();
+    void documentChanged();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

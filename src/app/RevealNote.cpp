@@ -21,9 +21,9 @@ bool revealNote(ColumnRow& row, const NotebookNode& note) {
     std::reverse(path.begin(), path.end());
     for (std::size_t depth = 0; depth < path.size(); ++depth) {
         NoteColumn* column = row.column(static_cast<int>(depth));
-        if (!column || !column->representedNode())
+        if (!column || !column->parentNote())
             return false;
-        const auto& children = column->representedNode()->children();
+        const auto& children = column->parentNote()->children();
         auto at = std::find_if(children.begin(), children.end(),
                                [&](const NodePtr& child) { return child.get() == path[depth]; });
         if (at == children.end())

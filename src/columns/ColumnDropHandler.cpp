@@ -140,17 +140,16 @@ struct Place {
     long index = 0;
 };
 
-std::optional<Place> pictureDropPlace(const NodePtr& representedNode, int row,
-                                      DropPosition position) {
+std::optional<Place> pictureDropPlace(const NodePtr& parentNote, int row, DropPosition position) {
     if (position == DropPosition::On) {
-        if (!isRow(*representedNode, row))
+        if (!isRow(*parentNote, row))
             return std::nullopt;
-        const NodePtr& target = representedNode->children()[static_cast<std::size_t>(row)];
+        const NodePtr& target = parentNote->children()[static_cast<std::size_t>(row)];
         return Place{target, static_cast<long>(target->children().size())};
     }
-    if (row < 0 || row > rowCount(*representedNode))
+    if (row < 0 || row > rowCount(*parentNote))
         return std::nullopt;
-    return Place{representedNode, row};
+    return Place{parentNote, row};
 }
 
 // A picture file keeps its bytes, and an extension that names their format: from its address
@@ -203,14 +202,13 @@ QMimeData* ColumnDropHandler::mimeDataForNode(const NotebookNode& node) const {
     return data;
 }
 
-Qt::DropAction ColumnDropHandler::validateDrop(const NodePtr& representedNode,
-                                               const QMimeData& data, int row,
-                                               DropPosition position) const {
-    if (!representedNode || data.formats().isEmpty())
+Qt::DropAction ColumnDropHandler::validateDrop(const NodePtr& parentNote, const QMimeData& data,
+                                               int row, DropPosition position) const {
+    if (!parentNote || data.formats().isEmpty())
         return Qt::IgnoreAction;
     if (auto note = draggedNote(data, m_document)) {
         return note->fromThisNotebook &&
-                       planNoteDrop(m_document, *representedNode, note->identifier, row, position)
+                       planNoteDrop(m_document, *parentNote, note->identifier, row, position)
                    ? Qt::MoveAction
                    : Qt::IgnoreAction;
     }
@@ -221,12 +219,12 @@ Qt::DropAction ColumnDropHandler::validateDrop(const NodePtr& representedNode,
     return Qt::IgnoreAction;
 }
 
-ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& representedNode,
+ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& parentNote,
                                                          const QMimeData& data, int row,
                                                          DropPosition position) {
-    if (!representedNode || data.formats().isEmpty())
+    if (!parentNote || data.formats().isEmpty())
         return {};
-    NotebookNode& column = *representedNode;
+    NotebookNode& column = *parentNote;
 
     if (auto note = draggedNote(data, m_document)) {
         if (!note->fromThisNotebook)
@@ -243,7 +241,7 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
 
     if (hasPictureType(data)) {
         const auto picture = pictureFromMimeData(data);
-        const auto place = pictureDropPlace(representedNode, row, position);
+        const auto place = pictureDropPlace(parentNote, row, position);
         if (!picture || !place)
             return {};
         std::optional<std::string> url;
@@ -266,7 +264,7 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
             const QByteArray bytes = file.readAll();
             const QImage image = decodePicture(bytes);
             if (!image.isNull()) {
-                const auto place = pictureDropPlace(representedNode, row, position);
+                const auto place = pictureDropPlace(parentNote, row, position);
                 if (!place)
                     return {};
                 addNode(*place->parent, image, bytes, std::nullopt,
@@ -282,20 +280,20 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& represen
     return {true, m_document.notebookNode(note->identifier())};
 }
 
-bool ColumnDropHandler::canPaste(const NodePtr& representedNode, const QMimeData& data) const {
-    if (!representedNode)
+bool ColumnDropHandler::canPaste(const NodePtr& parentNote, const QMimeData& data) const {
+    if (!parentNote)
         return false;
     const auto address = addressCopiedAsText(data);
-    return validateDrop(representedNode, address ? *address : data, rowCount(*representedNode),
+    return validateDrop(parentNote, address ? *address : data, rowCount(*parentNote),
                         DropPosition::Above) == Qt::CopyAction;
 }
 
-ColumnDropHandler::Outcome ColumnDropHandler::paste(const NodePtr& representedNode,
+ColumnDropHandler::Outcome ColumnDropHandler::paste(const NodePtr& parentNote,
                                                     const QMimeData& data) {
-    if (!canPaste(representedNode, data))
+    if (!canPaste(parentNote, data))
         return {};
     const auto address = addressCopiedAsText(data);
-    return acceptDrop(representedNode, address ? *address : data, rowCount(*representedNode),
+    return acceptDrop(parentNote, address ? *address : data, rowCount(*parentNote),
                       DropPosition::Above);
 }
 

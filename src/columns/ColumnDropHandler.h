@@ -39,7 +39,7 @@ public:
 
     // Qt::MoveAction for a note that may go there, Qt::CopyAction for pictures and addresses,
     // Qt::IgnoreAction when the drop is refused (always for a note from another notebook).
-    Qt::DropAction validateDrop(const NodePtr& representedNode, const QMimeData& data, int row,
+    Qt::DropAction validateDrop(const NodePtr& parentNote, const QMimeData& data, int row,
                                 DropPosition position) const;
 
     struct Outcome {
@@ -47,14 +47,14 @@ public:
         // A note made from a dropped web address, to be opened in the editor on the next turn.
         NodePtr noteToEdit;
     };
-    Outcome acceptDrop(const NodePtr& representedNode, const QMimeData& data, int row,
+    Outcome acceptDrop(const NodePtr& parentNote, const QMimeData& data, int row,
                        DropPosition position);
 
     // Edit > Paste into a column: a picture or an address on the clipboard does what dropping it
     // after the column's last row does; so does a lone web address copied as plain text. Notes on
     // the clipboard and other plain text are not pasted.
-    bool canPaste(const NodePtr& representedNode, const QMimeData& data) const;
-    Outcome paste(const NodePtr& representedNode, const QMimeData& data);
+    bool canPaste(const NodePtr& parentNote, const QMimeData& data) const;
+    Outcome paste(const NodePtr& parentNote, const QMimeData& data);
 
 private:
     // Stores the picture and adds a picture note for it to the parent at the index.

@@ -24,12 +24,12 @@ ColumnUpdater::ColumnUpdater(const Document& document, NodeListModel& model, Not
 }
 
 bool ColumnUpdater::isParentOf(const DocumentUpdate& update) const {
-    return update.node->parentIdentifier() == m_model.representedNode()->identifier();
+    return update.node->parentIdentifier() == m_model.parentNote()->identifier();
 }
 
 void ColumnUpdater::apply(const DocumentUpdate& update) {
-    const NodePtr& represented = m_model.representedNode();
-    if (!represented || !update.node)
+    const NodePtr& parent = m_model.parentNote();
+    if (!parent || !update.node)
         return;
     switch (update.type) {
     case NodeUpdateType::changedText:
@@ -46,8 +46,8 @@ void ColumnUpdater::apply(const DocumentUpdate& update) {
     case NodeUpdateType::insertedNode:
         if (isParentOf(update)) {
             const std::optional<std::size_t> index =
-                update.type == NodeUpdateType::appendedNode && represented->children().size() > 0
-                    ? std::optional(represented->children().size() - 1)
+                update.type == NodeUpdateType::appendedNode && parent->children().size() > 0
+                    ? std::optional(parent->children().size() - 1)
                     : update.newChildIndex;
             if (!index)
                 return;
@@ -71,16 +71,16 @@ void ColumnUpdater::apply(const DocumentUpdate& update) {
             !update.newChildIndex) {
             return;
         }
-        if (represented->identifier() == *update.oldParentIdentifier) {
+        if (parent->identifier() == *update.oldParentIdentifier) {
             removeRow(toRow(*update.oldChildIndex));
-        } else if (represented->identifier() == *update.newParentIdentifier) {
+        } else if (parent->identifier() == *update.newParentIdentifier) {
             m_rows.invalidate(update.node->identifier());
             insertRow(toRow(*update.newChildIndex));
         }
         // Rows showing either parent have a new count of children.
-        for (const Identifier* parent :
+        for (const Identifier* either :
              {&*update.newParentIdentifier, &*update.oldParentIdentifier}) {
-            m_model.refreshRow(m_model.rowShowing(*parent));
+            m_model.refreshRow(m_model.rowShowing(*either));
         }
         break;
     }

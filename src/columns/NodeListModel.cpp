@@ -30,8 +30,8 @@ NodeListModel::NodeListModel(Document* document, QObject* parent)
 
 NodeListModel::~NodeListModel() = default;
 
-void NodeListModel::setRepresentedNode(NodePtr node) {
-    m_representedNode = std::move(node);
+void NodeListModel::setParentNote(NodePtr node) {
+    m_parentNote = std::move(node);
     reload();
 }
 
@@ -51,18 +51,18 @@ int NodeListModel::rowShowing(const Identifier& identifier) const {
 
 void NodeListModel::reload() {
     beginResetModel();
-    m_rows = m_representedNode ? m_representedNode->children() : std::vector<NodePtr>();
+    m_rows = m_parentNote ? m_parentNote->children() : std::vector<NodePtr>();
     endResetModel();
 }
 
 void NodeListModel::insertRowAt(int row) {
     const auto index = static_cast<std::size_t>(row);
-    if (!m_representedNode || row < 0 || index > m_rows.size() ||
-        index >= m_representedNode->children().size()) {
+    if (!m_parentNote || row < 0 || index > m_rows.size() ||
+        index >= m_parentNote->children().size()) {
         return;
     }
     beginInsertRows(QModelIndex(), row, row);
-    m_rows.insert(m_rows.begin() + row, m_representedNode->children()[index]);
+    m_rows.insert(m_rows.begin() + row, m_parentNote->children()[index]);
     endInsertRows();
 }
 
@@ -151,10 +151,10 @@ NodeListModel::DropPlace NodeListModel::dropPlace(int row, const QModelIndex& pa
 
 Qt::DropAction NodeListModel::dropAction(const QMimeData& data, int row,
                                          const QModelIndex& parent) const {
-    if (!m_dropHandler || !m_representedNode)
+    if (!m_dropHandler || !m_parentNote)
         return Qt::IgnoreAction;
     const DropPlace place = dropPlace(row, parent);
-    return m_dropHandler->validateDrop(m_representedNode, data, place.row, place.position);
+    return m_dropHandler->validateDrop(m_parentNote, data, place.row, place.position);
 }
 
 bool NodeListModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int row, int,
@@ -164,23 +164,23 @@ bool NodeListModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int r
 
 bool NodeListModel::dropMimeData(const QMimeData* data, Qt::DropAction, int row, int,
                                  const QModelIndex& parent) {
-    if (!m_dropHandler || !m_representedNode || !data)
+    if (!m_dropHandler || !m_parentNote || !data)
         return false;
     const DropPlace place = dropPlace(row, parent);
     const ColumnDropHandler::Outcome outcome =
-        m_dropHandler->acceptDrop(m_representedNode, *data, place.row, place.position);
+        m_dropHandler->acceptDrop(m_parentNote, *data, place.row, place.position);
     editAfterDrop(outcome.noteToEdit);
     return outcome.accepted;
 }
 
 bool NodeListModel::canPaste(const QMimeData& data) const {
-    return m_dropHandler && m_dropHandler->canPaste(m_representedNode, data);
+    return m_dropHandler && m_dropHandler->canPaste(m_parentNote, data);
 }
 
 bool NodeListModel::paste(const QMimeData& data) {
     if (!canPaste(data))
         return false;
-    const ColumnDropHandler::Outcome outcome = m_dropHandler->paste(m_representedNode, data);
+    const ColumnDropHandler::Outcome outcome = m_dropHandler->paste(m_parentNote, data);
     editAfterDrop(outcome.noteToEdit);
     return outcome.accepted;
 }

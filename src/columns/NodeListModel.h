@@ -12,7 +12,7 @@ namespace quillery {
 class ColumnDropHandler;
 class Document;
 
-// The rows of one column: the children of the represented note, in order. The model keeps its
+// The rows of one column: the children of the parent note, in order. The model keeps its
 // own list of the shown children, changed only by the row operations below, because the
 // document changes the children before it announces the change: until the row operation the
 // list must still see the old rows. Drags carry one note; drops are decided and performed by the
@@ -24,16 +24,16 @@ public:
     explicit NodeListModel(Document* document, QObject* parent = nullptr);
     ~NodeListModel() override;
 
-    const NodePtr& representedNode() const { return m_representedNode; }
+    const NodePtr& parentNote() const { return m_parentNote; }
     // Resets the rows to the node's children.
-    void setRepresentedNode(NodePtr node);
+    void setParentNote(NodePtr node);
 
     // The child shown at the row, or null.
     NodePtr nodeAt(int row) const;
     // The first row whose child has the identifier, or -1.
     int rowShowing(const Identifier& identifier) const;
 
-    // One row operation each; the represented node's children must already hold the new state.
+    // One row operation each; the parent note's children must already hold the new state.
     void insertRowAt(int row);
     void removeRowAt(int row);
     // `to` is the row's index once moved.
@@ -72,7 +72,7 @@ private:
 
     Document* m_document;
     std::unique_ptr<ColumnDropHandler> m_dropHandler;
-    NodePtr m_representedNode;
+    NodePtr m_parentNote;
     std::vector<NodePtr> m_rows;
 };
 

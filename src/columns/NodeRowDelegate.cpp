@@ -123,7 +123,7 @@ int NodeRowDelegate::estimatedRowHeight(const NotebookNode& node) const {
 QSize NodeRowDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex& index) const {
     // The list gives every row its full width; only the height matters here.
     const auto* model = qobject_cast<const NodeListModel*>(index.model());
-    if (!model || !model->representedNode())
+    if (!model || !model->parentNote())
         return {1, kNoColumnNodeHeight};
     const NotebookNode* node = nodeFor(index);
     if (!node)

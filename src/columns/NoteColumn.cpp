@@ -34,7 +34,7 @@ NoteColumn::NoteColumn(Document* document, QWidget* parent)
     m_rows->setColumnWidth(m_listView->viewport()->width());
     connect(m_listView, &NoteListView::widthChanged, m_rows, &NodeRowDelegate::setColumnWidth);
     connect(m_listView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            &NoteColumn::selectionDidChange);
+            &NoteColumn::followSelection);
     connect(m_listView, &QAbstractItemView::doubleClicked, this, &NoteColumn::editSelectedNote);
     connect(m_model, &NodeListModel::noteToEditAfterDrop, this, &NoteColumn::showEditor);
 
@@ -65,8 +65,8 @@ NoteColumn::NoteColumn(Document* document, QWidget* parent)
 
     if (document) {
         m_updater = std::make_unique<ColumnUpdater>(*document, *m_model, *m_listView, *m_rows);
-        m_observer = document->addObserver(
-            [this](const DocumentUpdate& update) { documentDidUpdate(update); });
+        m_observer =
+            document->addObserver([this](const DocumentUpdate& update) { followDocument(update); });
     }
     updateEmptyLabel();
 }
@@ -75,19 +75,19 @@ NoteColumn::~NoteColumn() {
     if (m_document && m_observer)
         m_document->removeObserver(m_observer);
     // A note still being typed never happened.
-    if (m_temporaryNode && representedNode()) {
-        auto& children = representedNode()->children();
+    if (m_temporaryNode && parentNote()) {
+        auto& children = parentNote()->children();
         children.erase(std::remove(children.begin(), children.end(), m_temporaryNode),
                        children.end());
     }
 }
 
-const NodePtr& NoteColumn::representedNode() const {
-    return m_model->representedNode();
+const NodePtr& NoteColumn::parentNote() const {
+    return m_model->parentNote();
 }
 
-void NoteColumn::setRepresentedNode(NodePtr node) {
-    m_model->setRepresentedNode(std::move(node));
+void NoteColumn::setParentNote(NodePtr node) {
+    m_model->setParentNote(std::move(node));
     updateEmptyLabel();
 }
 
@@ -104,7 +104,7 @@ void NoteColumn::setColumnEnabled(bool enabled) {
 }
 
 void NoteColumn::takeFocus() {
-    if (!representedNode())
+    if (!parentNote())
         return;
     if (rowCount() == 0) {
         m_addButton->setFocus(Qt::OtherFocusReason);
@@ -182,11 +182,11 @@ int NoteColumn::rowCount() const {
 }
 
 void NoteColumn::updateEmptyLabel() {
-    const NodePtr& node = representedNode();
+    const NodePtr& node = parentNote();
     m_emptyLabel->setVisible(!node || node->children().empty());
 }
 
-void NoteColumn::selectionDidChange() {
+void NoteColumn::followSelection() {
     if (m_selectionHandlingSuspended)
         return;
     const int row = m_listView->selectedRow();
@@ -197,8 +197,8 @@ void NoteColumn::selectionDidChange() {
     m_listView->viewport()->update();
 }
 
-void NoteColumn::documentDidUpdate(const DocumentUpdate& update) {
-    if (!representedNode() || !m_updater)
+void NoteColumn::followDocument(const DocumentUpdate& update) {
+    if (!parentNote() || !m_updater)
         return;
     // The row operation may move or clear the selection; the navigation hears once, afterwards,
     // and only when the selected note changed.
@@ -208,7 +208,7 @@ void NoteColumn::documentDidUpdate(const DocumentUpdate& update) {
     m_selectionHandlingSuspended = false;
     updateEmptyLabel();
     if (selectedNode() != before)
-        selectionDidChange();
+        followSelection();
 }
 
 bool NoteColumn::perform(ColumnCommand command) {
@@ -250,14 +250,14 @@ void NoteColumn::previewSelectedPicture() {
 }
 
 void NoteColumn::moveUp() {
-    if (!representedNode() || !m_addButton->hasFocus() || rowCount() == 0)
+    if (!parentNote() || !m_addButton->hasFocus() || rowCount() == 0)
         return;
     selectRow(rowCount() - 1);
     m_listView->setFocus(Qt::OtherFocusReason);
 }
 
 void NoteColumn::moveDown() {
-    if (!representedNode() || m_addButton->hasFocus())
+    if (!parentNote() || m_addButton->hasFocus())
         return;
     m_listView->selectionModel()->clearSelection();
     m_addButton->setFocus(Qt::OtherFocusReason);

@@ -39,8 +39,8 @@ public:
 
     Document* document() const { return m_document; }
 
-    const NodePtr& representedNode() const;
-    void setRepresentedNode(NodePtr node);
+    const NodePtr& parentNote() const;
+    void setParentNote(NodePtr node);
     int depth() const { return m_depth; }
     void setDepth(int depth);
     // False while the navigation shows the editor: the list and button are disabled and the
@@ -105,8 +105,8 @@ private:
     int rowCount() const;
     bool isValidRow(int row) const { return row >= 0 && row < rowCount(); }
     void updateEmptyLabel();
-    void selectionDidChange();
-    void documentDidUpdate(const DocumentUpdate& update);
+    void followSelection();
+    void followDocument(const DocumentUpdate& update);
     // False for keys that are no command of the column.
     bool perform(ColumnCommand command);
     void previewSelectedPicture();

@@ -14,12 +14,12 @@
 namespace quillery {
 
 void NoteColumn::addNote() {
-    if (const NodePtr& node = representedNode())
+    if (const NodePtr& node = parentNote())
         startNewNote(node->children().size());
 }
 
 void NoteColumn::addNoteBeneath() {
-    const NodePtr& node = representedNode();
+    const NodePtr& node = parentNote();
     if (!node)
         return;
     const int row = m_listView->selectedRow();
@@ -28,7 +28,7 @@ void NoteColumn::addNoteBeneath() {
 
 void NoteColumn::editSelectedNote() {
     const int row = m_listView->selectedRow();
-    if (!representedNode() || !isValidRow(row))
+    if (!parentNote() || !isValidRow(row))
         return;
     const NodePtr node = m_model->nodeAt(row);
     if (!node)
@@ -46,7 +46,7 @@ void NoteColumn::editSelectedNote() {
 
 void NoteColumn::deleteSelectedNote() {
     const int row = m_listView->selectedRow();
-    if (!representedNode() || !isValidRow(row))
+    if (!parentNote() || !isValidRow(row))
         return;
     const NodePtr node = m_model->nodeAt(row);
     if (!node || !m_document)
@@ -57,7 +57,7 @@ void NoteColumn::deleteSelectedNote() {
 }
 
 void NoteColumn::startNewNote(std::size_t index) {
-    const NodePtr& parent = representedNode();
+    const NodePtr& parent = parentNote();
     if (!parent || m_temporaryNode)
         return;
     // The one edit that bypasses the document: the note sits among the children, unrecorded,
@@ -71,7 +71,7 @@ void NoteColumn::startNewNote(std::size_t index) {
     QTimer::singleShot(0, this, [this, node = m_temporaryNode] {
         if (m_temporaryNode != node)
             return;
-        const auto& current = representedNode()->children();
+        const auto& current = parentNote()->children();
         const auto found = std::find(current.begin(), current.end(), node);
         if (found == current.end())
             return;
@@ -85,7 +85,7 @@ void NoteColumn::startNewNote(std::size_t index) {
 }
 
 std::size_t NoteColumn::removeTemporaryNode() {
-    auto& children = representedNode()->children();
+    auto& children = parentNote()->children();
     const auto found = std::find(children.begin(), children.end(), m_temporaryNode);
     const auto index = static_cast<std::size_t>(found - children.begin());
     if (found != children.end()) {
@@ -109,8 +109,8 @@ void NoteColumn::showEditor(const NodePtr& node) {
 }
 
 void NoteColumn::editorFinished(const NodePtr& node, const std::string& text) {
-    const NodePtr represented = representedNode();
-    if (!represented)
+    const NodePtr parent = parentNote();
+    if (!parent)
         return;
     if (m_temporaryNode && node == m_temporaryNode) {
         const NodePtr newNode = m_temporaryNode;
@@ -118,7 +118,7 @@ void NoteColumn::editorFinished(const NodePtr& node, const std::string& text) {
         const std::size_t index = removeTemporaryNode();
         // Recorded whatever its text, an empty one too; the row comes back with the update.
         if (m_document)
-            m_document->userDidAdd(*newNode, *represented, static_cast<long>(index));
+            m_document->userDidAdd(*newNode, *parent, static_cast<long>(index));
         QTimer::singleShot(0, this, [this, row = static_cast<int>(index)] { selectRow(row); });
     } else if (m_document && node) {
         m_document->userDidModify(*node, text);
@@ -128,7 +128,7 @@ void NoteColumn::editorFinished(const NodePtr& node, const std::string& text) {
 }
 
 void NoteColumn::editorCancelled(const NodePtr& node) {
-    if (m_temporaryNode && node == m_temporaryNode && representedNode())
+    if (m_temporaryNode && node == m_temporaryNode && parentNote())
         removeTemporaryNode();
     updateEmptyLabel();
     emit editorDone();

@@ -159,7 +159,7 @@ QWidget* ColumnRow::makeColumn(const NodePtr& node, int depth) {
     auto* column = new NoteColumn(m_document, this);
     column->setObjectName(QStringLiteral("column%1").arg(depth));
     column->setAccessibleName(columnName(node, depth));
-    column->setRepresentedNode(node);
+    column->setParentNote(node);
     column->setDepth(depth);
     connect(column, &NoteColumn::noteSelected, this,
             [this, column](const NodePtr& note) { m_slots.select(column->depth(), note); });

@@ -32,7 +32,7 @@ std::vector<const NotebookNode*> pathTo(const Document& document, const Identifi
 }
 
 int rowOf(const NoteColumn& column, const NotebookNode* node) {
-    const NodePtr& parent = column.representedNode();
+    const NodePtr& parent = column.parentNote();
     if (!parent)
         return -1;
     const auto& children = parent->children();

@@ -21,9 +21,9 @@ int rowOf(const NotebookNode& parent, const NotebookNode& child) {
 // children to the right, as a click would.
 void selectAndFocus(ColumnRow& row, int depth, const NotebookNode& note) {
     NoteColumn* column = row.column(depth);
-    if (!column || !column->representedNode())
+    if (!column || !column->parentNote())
         return;
-    column->selectRow(rowOf(*column->representedNode(), note));
+    column->selectRow(rowOf(*column->parentNote(), note));
     row.focusColumn(depth);
 }
 
@@ -31,7 +31,7 @@ void selectAndFocus(ColumnRow& row, int depth, const NotebookNode& note) {
 
 bool moveSelectedNote(ColumnRow& row, NoteColumn& column, NoteMoveDirection direction) {
     Document* document = column.document();
-    const NodePtr parent = column.representedNode();
+    const NodePtr parent = column.parentNote();
     const NodePtr note = column.selectedNode();
     if (!document || !parent || !note || column.temporaryNode() || !column.isColumnEnabled())
         return false;

@@ -60,7 +60,7 @@ TEST_F(AppCommandsTest, AddNoteGoesToTheFocusedColumnElseToANewNotebook) {
     InMemoryPreferences preferences;
     Document document(preferences);
     NoteColumn column(&document);
-    column.setRepresentedNode(document.rootNode());
+    column.setParentNote(document.rootNode());
     column.show();
     column.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&column));

@@ -16,7 +16,7 @@ TEST_F(DocumentControllerTest, NewNotebooksAreNumberedUntitledAndShowTheRootColu
     DocumentWindow* window = controller.newDocument();
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Untitled[*]"));
     EXPECT_FALSE(window->isWindowModified());
-    EXPECT_EQ(window->columnRow()->column(0)->representedNode(), window->document().rootNode());
+    EXPECT_EQ(window->columnRow()->column(0)->parentNote(), window->document().rootNode());
     EXPECT_EQ(controller.newDocument()->displayName(), QStringLiteral("Untitled 2"));
 }
 

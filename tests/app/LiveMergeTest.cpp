@@ -38,7 +38,7 @@ protected:
     }
 
     static std::vector<std::string> shown(NoteColumn* column) {
-        return texts(*column->representedNode());
+        return texts(*column->parentNote());
     }
 };
 

@@ -90,7 +90,7 @@ protected:
 
     std::unique_ptr<NoteColumn> makeColumn(const NodePtr& node, int depth = 1) {
         auto made = std::make_unique<NoteColumn>(&document);
-        made->setRepresentedNode(node);
+        made->setParentNote(node);
         made->setDepth(depth);
         ColumnPrompts answers;
         answers.confirmDelete = [this](QWidget*) {

@@ -52,7 +52,7 @@ protected:
         for (QWidget* item : row.items()) {
             auto* column = qobject_cast<NoteColumn*>(item);
             out += out.empty() ? "" : " ";
-            out += !column ? "panel" : column->depth() ? column->representedNode()->text() : "root";
+            out += !column ? "panel" : column->depth() ? column->parentNote()->text() : "root";
         }
         return out;
     }
