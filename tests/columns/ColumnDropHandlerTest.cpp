@@ -40,6 +40,10 @@ std::unique_ptr<QMimeData> pngDrop() {
 }
 
 // The notebook the drops land in: A(A1(A1x) A2) B C D.
+const std::pair<const char*, const char*> kTree[] = {{"A", "root"}, {"B", "root"}, {"C", "root"},
+                                                     {"D", "root"}, {"A1", "A"},   {"A2", "A"},
+                                                     {"A1x", "A1"}};
+
 class DropFixture : public ::testing::Test {
 protected:
     DropFixture()
@@ -47,14 +51,7 @@ protected:
         , handler(document) {
         notes["root"] = document.rootNode();
         notes["deleted"] = document.deletedRootNode();
-        for (const auto& [text, parent] :
-             std::vector<std::pair<std::string, std::string>>{{"A", "root"},
-                                                              {"B", "root"},
-                                                              {"C", "root"},
-                                                              {"D", "root"},
-                                                              {"A1", "A"},
-                                                              {"A2", "A"},
-                                                              {"A1x", "A1"}}) {
+        for (const auto& [text, parent] : kTree) {
             const NodePtr node = NotebookNode::create(notes[parent]->identifier(), text);
             document.add(*node, *notes[parent], -1);
             notes[text] = document.node(node->identifier());

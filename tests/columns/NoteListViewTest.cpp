@@ -101,16 +101,13 @@ protected:
     QPoint gapAbove(int index) const { return {row(index).center().x(), row(index).top() + 1}; }
 };
 
-TEST_F(DropMark, OutlinesTheRowOrLinesTheGapInTheHighlightColour) {
+TEST_F(DropMark, OutlinesTheRowOrLinesTheGapOnlyWhereTheNoteMayGo) {
     EXPECT_GE(markPixels(0, row(2).center()), 2 * row(2).width());
     const int between = markPixels(0, gapAbove(2));
     EXPECT_GE(between, row(2).width() / 2);
     EXPECT_LT(between, 2 * row(2).width());
-}
-
-TEST_F(DropMark, NothingIsMarkedWhereTheNoteMayNotGo) {
-    // Onto itself, or just above itself, where it already is; also after the drag passed over a
-    // place that takes it.
+    // Not onto itself, nor just above itself where it already is, also after the drag passed
+    // over a place that takes it.
     EXPECT_EQ(markPixels(1, row(1).center()), 0);
     EXPECT_EQ(markPixels(1, gapAbove(1)), 0);
     ASSERT_GT(markPixels(1, row(2).center()), 0);
