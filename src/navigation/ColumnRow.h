@@ -21,7 +21,7 @@ class ColumnRow : public QWidget, private ColumnSlots<QWidget*>::Host {
     Q_OBJECT
 
 public:
-    // The document must outlive the controller. Without one the first column shows no note.
+    // The document must outlive the row. Without one the first column shows no note.
     explicit ColumnRow(Document* document, QWidget* parent = nullptr);
     ~ColumnRow() override;
 
