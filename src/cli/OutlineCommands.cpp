@@ -3,6 +3,7 @@
 #include "cli/Cli.h"
 #include "cli/CommandArguments.h"
 #include "cli/NotebookSession.h"
+#include "outline/HtmlPictureFolder.h"
 #include "outline/OutlineExport.h"
 #include "outline/OutlineImport.h"
 #include "outline/OutlineInsertion.h"
@@ -47,60 +48,6 @@ int usageError(std::ostream& err, std::string_view usage, const std::string& pro
     err << "quillery-cli: " << terminal_text::shown(problem) << "\n\n" << usage;
     return kUsageError;
 }
-
-// A file name as it may stand in a link of the page: the characters that end or break a link
-// written as %XX.
-std::string linkPath(const std::string& path) {
-    static constexpr char kHex[] = "0123456789ABCDEF";
-    std::string link;
-    for (const char each : path) {
-        const auto c = static_cast<unsigned char>(each);
-        if (c <= ' ' || c == '"' || c == '#' || c == '%' || c == '?' || c == 0x7F) {
-            link += '%';
-            link += kHex[c >> 4];
-            link += kHex[c & 0xF];
-        } else {
-            link += static_cast<char>(c);
-        }
-    }
-    return link;
-}
-
-// Copies the pictures of an HTML page into the folder beside it, each once, and gives their
-// places relative to the page. A picture that cannot be copied is left out of the page.
-class PictureCopier {
-public:
-    explicit PictureCopier(const std::filesystem::path& page)
-        : m_folderName(page.stem().string() + "_files")
-        , m_folder(page.parent_path() / m_folderName) {}
-
-    std::optional<std::string> operator()(const PictureView& picture) {
-        std::string name(picture.key);
-        if (name.empty() || name.find('/') != std::string::npos)
-            return std::nullopt;
-        if (!picture.fileExtension.empty())
-            name += "." + std::string(picture.fileExtension);
-        const std::filesystem::path target = m_folder / name;
-        std::error_code error;
-        std::filesystem::create_directories(m_folder, error);
-        if (!picture.file.empty()) {
-            std::filesystem::copy_file(picture.file, target,
-                                       std::filesystem::copy_options::overwrite_existing, error);
-        } else {
-            std::ofstream out(target, std::ios::binary);
-            out.write(reinterpret_cast<const char*>(picture.bytes.data()),
-                      static_cast<std::streamsize>(picture.bytes.size()));
-            error = out ? std::error_code() : std::make_error_code(std::errc::io_error);
-        }
-        if (error)
-            return std::nullopt;
-        return linkPath(m_folderName + "/" + name);
-    }
-
-private:
-    std::string m_folderName;
-    std::filesystem::path m_folder;
-};
 
 } // namespace
 
@@ -151,7 +98,7 @@ int runExportCommand(const std::vector<std::string>& arguments, std::ostream& ou
     }
     std::ofstream file(*output, std::ios::binary | std::ios::trunc);
     if (*format == ExportFormat::html)
-        options.pictureSource = PictureCopier(*output);
+        options.pictureSource = HtmlPictureFolder(*output);
     if (file)
         exportNotes(document, note, *format, options, file);
     file.close();
