@@ -1,6 +1,7 @@
 #include "app/DocumentWindow.h"
 
 #include "app/AppCommands.h"
+#include "app/ClipboardCommands.h"
 #include "app/DocumentController.h"
 #include "app/DocumentPrompts.h"
 #include "app/FindBar.h"
@@ -18,7 +19,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QMenu>
@@ -82,7 +82,7 @@ DocumentWindow::~DocumentWindow() {
 }
 
 ColumnRow* DocumentWindow::columnRow() const {
-    return m_content->columnRow();
+    return m_content ? m_content->columnRow() : nullptr;
 }
 
 QString DocumentWindow::displayName() const {
@@ -198,15 +198,8 @@ void DocumentWindow::connectActions() {
         if (m_undoManager->canRedo())
             m_undoManager->redo();
     });
-    // Only a focused column pastes; a text field with the focus takes Ctrl+V for itself before
-    // the shortcut is considered, and the action is disabled while the note editor is open.
-    connect(m_actions.paste, &QAction::triggered, this, [this] {
-        if (NoteColumn* column = focusedColumn())
-            column->paste();
-    });
-    connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this,
-            &DocumentWindow::updatePasteAction);
-    connect(qApp, &QApplication::focusChanged, this, &DocumentWindow::updatePasteAction);
+    m_clipboardCommands = new ClipboardCommands(*this, m_actions);
+    connect(qApp, &QApplication::focusChanged, this, &DocumentWindow::updateClipboardActions);
     connect(m_actions.find, &QAction::triggered, this, [this] { m_findBar->open(); });
     connect(m_actions.findNext, &QAction::triggered, this, [this] { m_findBar->chooseNext(); });
     connect(m_actions.findPrevious, &QAction::triggered, this,
@@ -331,12 +324,11 @@ void DocumentWindow::updateActions() {
         action->setEnabled(browsing);
     m_noteCommands->setBrowsing(browsing);
     m_actions.revert->setEnabled(m_document->fileLocation().has_value());
-    updatePasteAction();
+    updateClipboardActions();
 }
 
-void DocumentWindow::updatePasteAction() {
-    NoteColumn* column = focusedColumn();
-    m_actions.paste->setEnabled(column && column->canPaste());
+void DocumentWindow::updateClipboardActions() {
+    m_clipboardCommands->updateActions(columnRow() && columnRow()->panel() == nullptr);
 }
 
 void DocumentWindow::autosave() {

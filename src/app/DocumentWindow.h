@@ -20,6 +20,7 @@ class LiveMerge;
 class MessageBar;
 class ColumnScrollArea;
 class ColumnRow;
+class ClipboardCommands;
 class NoteCommands;
 class UndoManager;
 
@@ -44,7 +45,10 @@ public:
     // Keeps the open notebook in step with other writers of its package; null while the
     // notebook has no location.
     LiveMerge* liveMerge() const { return m_liveMerge.get(); }
+    // Null only while the columns are being replaced.
     ColumnRow* columnRow() const;
+    // The column holding this window's keyboard focus; none while a panel is open.
+    NoteColumn* focusedColumn() const;
     // The package's name without ".quillery", or the untitled name.
     QString displayName() const;
 
@@ -92,9 +96,7 @@ private:
     bool editorHoldsChange() const;
     void fillRecentMenu();
     bool sendToActiveColumn(void (NoteColumn::*command)());
-    // The column holding this window's keyboard focus; none while a panel is open.
-    NoteColumn* focusedColumn() const;
-    void updatePasteAction();
+    void updateClipboardActions();
 
     DocumentController& m_controller;
     std::unique_ptr<UndoManager> m_undoManager;
@@ -108,6 +110,7 @@ private:
     DocumentActions m_actions;
     std::unique_ptr<LiveMerge> m_liveMerge;
     NoteCommands* m_noteCommands = nullptr;
+    ClipboardCommands* m_clipboardCommands = nullptr;
     QTimer m_autosaveTimer;
     // One warning per run of failing autosaves, not one per change.
     bool m_autosaveFailed = false;

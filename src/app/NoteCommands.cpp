@@ -41,9 +41,6 @@ NoteCommands::NoteCommands(DocumentWindow& window, const DocumentActions& action
 }
 
 void NoteCommands::setBrowsing(bool browsing) {
-    // Copy and Cut wait for the clipboard to carry notes.
-    m_actions.copy->setEnabled(false);
-    m_actions.cut->setEnabled(false);
     for (QAction* action : {m_actions.deleteNote, m_actions.moveUp, m_actions.moveDown,
                             m_actions.moveOut, m_actions.moveIn}) {
         action->setEnabled(browsing);

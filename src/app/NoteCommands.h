@@ -14,7 +14,8 @@ class NoteColumn;
 struct DocumentActions;
 
 // The Note menu's commands that act on the selected note of the window's active column (delete,
-// copy, cut, the keyboard moves) and the context menu of a column's rows. The window owns it.
+// the keyboard moves; copy, cut and paste are ClipboardCommands), the context menu of a column's
+// rows, and View > Deleted Notes. The window owns it.
 class NoteCommands : public QObject {
     Q_OBJECT
 

@@ -1,6 +1,7 @@
 #include "columns/ColumnDropHandler.h"
 
 #include "columns/DecodePicture.h"
+#include "columns/NoteMimeData.h"
 #include "columns/PictureFromMimeData.h"
 #include "columns/QtPicture.h"
 #include "document/Diagnostics.h"
@@ -13,15 +14,13 @@
 #include <QStringDecoder>
 #include <QUrl>
 
-#include <algorithm>
-#include <memory>
-
 namespace quillery {
 
 namespace {
 
 const QString kNodeType = QString::fromLatin1(kNodeDragAndDropDataType);
 const QString kNotebookType = QString::fromLatin1(kNotebookDragAndDropDataType);
+const QString kNotesType = QString::fromLatin1(kNotesMimeType);
 
 // The identifier under the MIME type; none when the data is missing or is not UTF-8 text.
 std::optional<Identifier> identifierIn(const QMimeData& data, const QString& type) {
@@ -133,14 +132,14 @@ std::optional<NoteMove> planNoteDrop(const Document& document, const NotebookNod
     return NoteMove{dragged, &column, index};
 }
 
-// Where a picture dropped at (row, position) goes: inside the row's note, after its children, or
-// into the column before the row.
+// Where a copy dropped at (row, position) goes, a picture or notes of another notebook: inside the
+// row's note, after its children, or into the column before the row.
 struct Place {
     NodePtr parent;
     long index = 0;
 };
 
-std::optional<Place> pictureDropPlace(const NodePtr& parentNote, int row, DropPosition position) {
+std::optional<Place> copyDropPlace(const NodePtr& parentNote, int row, DropPosition position) {
     if (position == DropPosition::On) {
         if (!isRow(*parentNote, row))
             return std::nullopt;
@@ -170,24 +169,6 @@ QString fileExtensionForPictureFile(const QUrl& url, const QByteArray& bytes) {
     return format.isEmpty() ? QStringLiteral("tiff") : format;
 }
 
-// A web address copied as plain text, as browsers copy one from their address bar, offered as an
-// address. Only a lone http or https address counts, so ordinary text is still not pasted.
-std::unique_ptr<QMimeData> addressCopiedAsText(const QMimeData& data) {
-    if (data.hasUrls() || !data.hasText() || hasPictureType(data))
-        return nullptr;
-    const QString text = data.text().trimmed();
-    if (std::ranges::any_of(text, [](QChar c) { return c.isSpace(); }))
-        return nullptr;
-    const QUrl url(text, QUrl::StrictMode);
-    if (!url.isValid() || url.host().isEmpty() ||
-        (url.scheme() != QStringLiteral("http") && url.scheme() != QStringLiteral("https"))) {
-        return nullptr;
-    }
-    auto address = std::make_unique<QMimeData>();
-    address->setUrls({url});
-    return address;
-}
-
 } // namespace
 
 ColumnDropHandler::ColumnDropHandler(Document& document)
@@ -195,23 +176,24 @@ ColumnDropHandler::ColumnDropHandler(Document& document)
 }
 
 QMimeData* ColumnDropHandler::mimeDataForNode(const NotebookNode& node) const {
-    auto* data = new QMimeData;
-    data->setData(kNodeType, QByteArray::fromStdString(node.identifier().toString()));
-    data->setData(kNotebookType,
-                  QByteArray::fromStdString(m_document.sessionIdentifier().toString()));
-    return data;
+    return new NoteMimeData(m_document, node);
 }
 
 Qt::DropAction ColumnDropHandler::validateDrop(const NodePtr& parentNote, const QMimeData& data,
                                                int row, DropPosition position) const {
     if (!parentNote || data.formats().isEmpty())
         return Qt::IgnoreAction;
-    if (auto note = draggedNote(data, m_document)) {
-        return note->fromThisNotebook &&
-                       planNoteDrop(m_document, *parentNote, note->identifier, row, position)
+    const auto note = draggedNote(data, m_document);
+    if (note && note->fromThisNotebook) {
+        return planNoteDrop(m_document, *parentNote, note->identifier, row, position)
                    ? Qt::MoveAction
                    : Qt::IgnoreAction;
     }
+    // The notes themselves are read only when dropped.
+    if (data.hasFormat(kNotesType))
+        return copyDropPlace(parentNote, row, position) ? Qt::CopyAction : Qt::IgnoreAction;
+    if (note)
+        return Qt::IgnoreAction;
     if (hasPictureType(data))
         return Qt::CopyAction;
     if (droppedUrl(data))
@@ -222,13 +204,25 @@ Qt::DropAction ColumnDropHandler::validateDrop(const NodePtr& parentNote, const 
 ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& parentNote,
                                                          const QMimeData& data, int row,
                                                          DropPosition position) {
+    return accept(parentNote, data, row, position, false);
+}
+
+ColumnDropHandler::Outcome ColumnDropHandler::pasteAt(const NodePtr& parentNote,
+                                                      const QMimeData& data, int row) {
+    return accept(parentNote, data, row, DropPosition::Above, true);
+}
+
+ColumnDropHandler::Outcome ColumnDropHandler::accept(const NodePtr& parentNote,
+                                                     const QMimeData& data, int row,
+                                                     DropPosition position, bool pasting) {
     if (!parentNote || data.formats().isEmpty())
         return {};
+    const char* addName = pasting ? "Paste" : "Add Note";
     NotebookNode& column = *parentNote;
 
-    if (auto note = draggedNote(data, m_document)) {
-        if (!note->fromThisNotebook)
-            return {};
+    // A paste takes notes on the clipboard as copies before it comes here (ColumnPasteHandler).
+    const auto note = pasting ? std::nullopt : draggedNote(data, m_document);
+    if (note && note->fromThisNotebook) {
         const auto move = planNoteDrop(m_document, column, note->identifier, row, position);
         if (!move)
             return {};
@@ -236,20 +230,32 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& parentNo
             m_document.userDidMove(*move->note, *move->newParent, move->index);
         else
             m_document.userDidMove(*move->note, *move->index);
-        return {true, nullptr};
+        return {true, move->note, nullptr};
     }
+    if (!pasting && data.hasFormat(kNotesType)) {
+        const auto notes = TransferredNotes::in(data);
+        const auto place = copyDropPlace(parentNote, row, position);
+        if (!notes || !place)
+            return {};
+        const NodePtr added = notes->insert(m_document, *place->parent,
+                                            static_cast<std::size_t>(place->index), "Copy Note");
+        return {added != nullptr, added, nullptr};
+    }
+    if (note)
+        return {};
 
     if (hasPictureType(data)) {
         const auto picture = pictureFromMimeData(data);
-        const auto place = pictureDropPlace(parentNote, row, position);
+        const auto place = copyDropPlace(parentNote, row, position);
         if (!picture || !place)
             return {};
         std::optional<std::string> url;
         if (auto address = droppedUrl(data); address && !address->isLocalFile())
             url = absoluteString(*address);
-        addNode(*place->parent, picture->image, picture->imageData, url, picture->fileExtension,
-                place->index);
-        return {true, nullptr};
+        return {true,
+                addPicture(*place->parent, picture->image, picture->imageData, url,
+                           picture->fileExtension, place->index, addName),
+                nullptr};
     }
 
     const auto address = droppedUrl(data);
@@ -264,48 +270,44 @@ ColumnDropHandler::Outcome ColumnDropHandler::acceptDrop(const NodePtr& parentNo
             const QByteArray bytes = file.readAll();
             const QImage image = decodePicture(bytes);
             if (!image.isNull()) {
-                const auto place = pictureDropPlace(parentNote, row, position);
+                const auto place = copyDropPlace(parentNote, row, position);
                 if (!place)
                     return {};
-                addNode(*place->parent, image, bytes, std::nullopt,
-                        fileExtensionForPictureFile(*address, bytes), place->index);
-                return {true, nullptr};
+                return {true,
+                        addPicture(*place->parent, image, bytes, std::nullopt,
+                                   fileExtensionForPictureFile(*address, bytes), place->index,
+                                   addName),
+                        nullptr};
             }
         }
     }
 
-    const NodePtr note =
-        NotebookNode::create(column.identifier(), absoluteString(*address) + "\n\n");
-    m_document.userDidAdd(*note, column, static_cast<long>(column.children().size()));
-    return {true, m_document.notebookNode(note->identifier())};
+    // A dropped address goes to the end of the column wherever it was dropped; a pasted one goes
+    // where pastes go.
+    const long at = pasting && row >= 0 && row < rowCount(column)
+                        ? row
+                        : static_cast<long>(column.children().size());
+    const NodePtr added =
+        addNote(NotebookNode::create(column.identifier(), absoluteString(*address) + "\n\n"),
+                column, at, addName);
+    return {true, added, added};
 }
 
-bool ColumnDropHandler::canPaste(const NodePtr& parentNote, const QMimeData& data) const {
-    if (!parentNote)
-        return false;
-    const auto address = addressCopiedAsText(data);
-    return validateDrop(parentNote, address ? *address : data, rowCount(*parentNote),
-                        DropPosition::Above) == Qt::CopyAction;
+NodePtr ColumnDropHandler::addNote(const NodePtr& note, const NotebookNode& toParent, long at,
+                                   const char* actionName) {
+    m_document.userDidEditTogether(actionName, [&] { m_document.add(*note, toParent, at); });
+    return m_document.notebookNode(note->identifier());
 }
 
-ColumnDropHandler::Outcome ColumnDropHandler::paste(const NodePtr& parentNote,
-                                                    const QMimeData& data) {
-    if (!canPaste(parentNote, data))
-        return {};
-    const auto address = addressCopiedAsText(data);
-    return acceptDrop(parentNote, address ? *address : data, rowCount(*parentNote),
-                      DropPosition::Above);
-}
-
-void ColumnDropHandler::addNode(const NotebookNode& toParent, const QImage& image,
-                                const QByteArray& originalData, std::optional<std::string> url,
-                                const QString& fileExtension, long at) {
+NodePtr ColumnDropHandler::addPicture(const NotebookNode& toParent, const QImage& image,
+                                      const QByteArray& originalData,
+                                      std::optional<std::string> url, const QString& fileExtension,
+                                      long at, const char* actionName) {
     std::vector<std::uint8_t> bytes(originalData.begin(), originalData.end());
     const Identifier key = m_document.addImage(std::make_shared<QtPicture>(image), std::move(bytes),
                                                fileExtension.toStdString());
-    const NodePtr note =
-        NotebookNode::create(toParent.identifier(), std::string(), key, std::move(url));
-    m_document.userDidAdd(*note, toParent, at);
+    return addNote(NotebookNode::create(toParent.identifier(), std::string(), key, std::move(url)),
+                   toParent, at, actionName);
 }
 
 } // namespace quillery

@@ -1,6 +1,7 @@
 #include "columns/NodeListModel.h"
 
 #include "columns/ColumnDropHandler.h"
+#include "columns/TransferredNotes.h"
 #include "document/Document.h"
 
 #include <QMimeData>
@@ -129,6 +130,7 @@ Qt::ItemFlags NodeListModel::flags(const QModelIndex& index) const {
 QStringList NodeListModel::mimeTypes() const {
     return {QString::fromLatin1(kNodeDragAndDropDataType),
             QString::fromLatin1(kNotebookDragAndDropDataType),
+            QString::fromLatin1(kNotesMimeType),
             QStringLiteral("image/png"),
             QStringLiteral("image/tiff"),
             QStringLiteral("text/uri-list"),
@@ -173,18 +175,6 @@ bool NodeListModel::dropMimeData(const QMimeData* data, Qt::DropAction, int row,
     return outcome.accepted;
 }
 
-bool NodeListModel::canPaste(const QMimeData& data) const {
-    return m_dropHandler && m_dropHandler->canPaste(m_parentNote, data);
-}
-
-bool NodeListModel::paste(const QMimeData& data) {
-    if (!canPaste(data))
-        return false;
-    const ColumnDropHandler::Outcome outcome = m_dropHandler->paste(m_parentNote, data);
-    editAfterDrop(outcome.noteToEdit);
-    return outcome.accepted;
-}
-
 void NodeListModel::editAfterDrop(NodePtr note) {
     if (note) {
         QTimer::singleShot(0, this,
@@ -196,8 +186,9 @@ Qt::DropActions NodeListModel::supportedDropActions() const {
     return Qt::CopyAction | Qt::MoveAction;
 }
 
+// A note moves within its notebook and is copied into another.
 Qt::DropActions NodeListModel::supportedDragActions() const {
-    return Qt::MoveAction;
+    return Qt::MoveAction | Qt::CopyAction;
 }
 
 } // namespace quillery

@@ -55,11 +55,6 @@ public:
     Qt::DropActions supportedDropActions() const override;
     Qt::DropActions supportedDragActions() const override;
 
-    // Edit > Paste: a picture or an address lands where a drop after the last row would, with
-    // the same follow-up. Returns whether anything was pasted.
-    bool canPaste(const QMimeData& data) const;
-    bool paste(const QMimeData& data);
-
 signals:
     // A drop made a note that wants its editor; sent on the turn after the drop.
     void noteToEditAfterDrop(NodePtr node);

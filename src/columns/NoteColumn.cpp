@@ -1,6 +1,7 @@
 #include "columns/NoteColumn.h"
 
 #include "columns/AddNoteButton.h"
+#include "columns/ColumnPasteHandler.h"
 #include "columns/ColumnUpdater.h"
 #include "columns/NodeListModel.h"
 #include "columns/NodeRowDelegate.h"
@@ -8,11 +9,8 @@
 #include "document/Document.h"
 
 #include <QBoxLayout>
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QMimeData>
 #include <QScrollArea>
 
 #include <algorithm>
@@ -65,6 +63,7 @@ NoteColumn::NoteColumn(Document* document, QWidget* parent)
 
     if (document) {
         m_updater = std::make_unique<ColumnUpdater>(*document, *m_model, *m_listView, *m_rows);
+        m_paste = std::make_unique<ColumnPasteHandler>(*document);
         m_observer =
             document->addObserver([this](const DocumentUpdate& update) { followDocument(update); });
     }
@@ -114,16 +113,6 @@ void NoteColumn::takeFocus() {
             selectRow(0);
     }
     scrollIntoView();
-}
-
-bool NoteColumn::canPaste() const {
-    const QMimeData* clipboard = QGuiApplication::clipboard()->mimeData();
-    return m_enabled && !m_temporaryNode && clipboard && m_model->canPaste(*clipboard);
-}
-
-bool NoteColumn::paste() {
-    const QMimeData* clipboard = QGuiApplication::clipboard()->mimeData();
-    return m_enabled && !m_temporaryNode && clipboard && m_model->paste(*clipboard);
 }
 
 int NoteColumn::selectedRow() const {

@@ -17,6 +17,7 @@ class QLabel;
 namespace quillery {
 
 class AddNoteButton;
+class ColumnPasteHandler;
 class ColumnUpdater;
 class Document;
 class NodeListModel;
@@ -59,10 +60,16 @@ public:
     void editSelectedNote();
     // Deletes the selected note, asking first unless it is empty.
     void deleteSelectedNote();
-    // Edit > Paste from the clipboard: a picture or an address is added at the end of the column.
-    // Nothing can be pasted while the column is disabled or a new note is being typed.
+    // Edit > Paste from the clipboard (see ColumnPasteHandler) at pasteIndex(); the note pasted
+    // is selected. Nothing can be pasted while the column is disabled or a new note is being
+    // typed.
     bool canPaste() const;
     bool paste();
+    // Where a paste or an import goes: after the selected note, or at the end when none is
+    // selected or the add button has the focus.
+    std::size_t pasteIndex() const;
+    // Selects the row of the note, if it is one of this column's, and gives the list the focus.
+    void selectNote(const NotebookNode& note);
 
     // The selected row (-1 for none) and its note; selecting runs the selection handling, so
     // noteSelected() is emitted.
@@ -130,6 +137,7 @@ private:
     QLabel* m_emptyLabel;
     AddNoteButton* m_addButton;
     std::unique_ptr<ColumnUpdater> m_updater;
+    std::unique_ptr<ColumnPasteHandler> m_paste;
     ColumnPrompts m_prompts = ColumnPrompts::standard();
     int m_depth = 0;
     bool m_enabled = true;

@@ -1,11 +1,15 @@
 // The column's edit commands: adding a note (the one edit that waits for its editor before it is
-// recorded), editing, deleting, and the note editor's outcome.
+// recorded), editing, deleting, pasting, and the note editor's outcome.
+#include "columns/AddNoteButton.h"
+#include "columns/ColumnPasteHandler.h"
 #include "columns/NodeListModel.h"
 #include "columns/NoteColumn.h"
 #include "columns/NoteListView.h"
 #include "document/Document.h"
 
+#include <QClipboard>
 #include <QDesktopServices>
+#include <QGuiApplication>
 #include <QTimer>
 #include <QUrl>
 
@@ -54,6 +58,40 @@ void NoteColumn::deleteSelectedNote() {
     if (!node->isEmpty() && m_prompts.confirmDelete && !m_prompts.confirmDelete(this))
         return;
     m_document->userDidDelete(*node);
+}
+
+bool NoteColumn::canPaste() const {
+    const QMimeData* clipboard = QGuiApplication::clipboard()->mimeData();
+    return m_paste && parentNote() && m_enabled && !m_temporaryNode && clipboard &&
+           ColumnPasteHandler::canPaste(*clipboard);
+}
+
+bool NoteColumn::paste() {
+    if (!canPaste())
+        return false;
+    const ColumnDropHandler::Outcome outcome =
+        m_paste->paste(parentNote(), pasteIndex(), *QGuiApplication::clipboard()->mimeData());
+    if (outcome.added)
+        selectNote(*outcome.added);
+    if (outcome.noteToEdit) {
+        QTimer::singleShot(0, this, [this, note = outcome.noteToEdit] { showEditor(note); });
+    }
+    return outcome.accepted;
+}
+
+std::size_t NoteColumn::pasteIndex() const {
+    const int row = m_listView->selectedRow();
+    if (!isValidRow(row) || m_addButton->hasFocus())
+        return static_cast<std::size_t>(rowCount());
+    return static_cast<std::size_t>(row) + 1;
+}
+
+void NoteColumn::selectNote(const NotebookNode& note) {
+    const int row = m_model->rowShowing(note.identifier());
+    if (row < 0)
+        return;
+    selectRow(row);
+    m_listView->setFocus(Qt::OtherFocusReason);
 }
 
 void NoteColumn::startNewNote(std::size_t index) {

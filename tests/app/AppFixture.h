@@ -10,6 +10,7 @@
 #include "columns/NoteListView.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
+#include "document/UndoManager.h"
 #include "navigation/ColumnRow.h"
 #include "storage/NotebookPackage.h"
 
@@ -95,11 +96,48 @@ protected:
         return *found;
     }
 
+    // The tree under the note, children in parentheses: "A(a1 a2) B".
+    static std::string outline(const NotebookNode& node) {
+        std::string out;
+        for (const NodePtr& child : node.children()) {
+            out += (out.empty() ? "" : " ") + child->text();
+            if (!child->children().empty())
+                out += "(" + outline(*child) + ")";
+        }
+        return out;
+    }
+
     QTemporaryDir m_directory;
     InMemoryPreferences preferences;
     QtPictureCodec codec;
     FakePrompts prompts;
     DocumentController controller{preferences, codec, prompts};
+};
+
+// A shown notebook holding A(a1 a2) B C, its first column focused on A, no step to undo.
+class OutlineWindowFixture : public AppFixture {
+protected:
+    OutlineWindowFixture() {
+        window = controller.newDocument();
+        const NodePtr a = addNote(*window, "A");
+        addNote(*window, "a1", a);
+        addNote(*window, "a2", a);
+        addNote(*window, "B");
+        addNote(*window, "C");
+        window->undoManager().removeAllActions();
+        focusFirstColumn(*window);
+    }
+
+    std::string notebookOutline() const { return outline(*window->document().rootNode()); }
+
+    // The selected note of the column with the keyboard focus, or "".
+    static std::string selectedText() {
+        NoteColumn* column = NoteColumn::containing(QApplication::focusWidget());
+        const NodePtr note = column ? column->selectedNode() : nullptr;
+        return note ? note->text() : std::string();
+    }
+
+    DocumentWindow* window = nullptr;
 };
 
 } // namespace quillery

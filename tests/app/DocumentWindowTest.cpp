@@ -85,8 +85,9 @@ TEST_F(DocumentWindowTest, NoTwoCommandsShareAShortcut) {
     }
 }
 
-// Edit → Paste (Ctrl+V) in a column: what the clipboard holds is added after the column's last
-// note, as a drop there would add it; anything else greys the command out.
+// Edit → Paste (Ctrl+V) in a column: what the clipboard holds is added after the selected note (the
+// last one here), a picture or an address as a drop there would add it; an empty clipboard greys
+// the command out.
 struct Clipboard {
     const char* name;
     void (*fill)(QMimeData& data, Document& document);
@@ -115,11 +116,12 @@ const Clipboard kClipboards[] = {
     {"AnAddressCopiedAsText",
      [](QMimeData& data, Document&) { setText(data, "  https://e.org/a?b=c\n"); },
      "https://e.org/a?b=c\n\n", true},
-    {"PlainText", [](QMimeData& data, Document&) { setText(data, "just words"); }, nullptr, false},
+    {"PlainText", [](QMimeData& data, Document&) { setText(data, "just words"); }, "just words",
+     false},
     {"TextAroundAnAddress", [](QMimeData& data, Document&) { setText(data, "see https://e.org"); },
-     nullptr, false},
+     "see https://e.org", false},
     {"AnAddressOffTheWeb", [](QMimeData& data, Document&) { setText(data, "file:///etc/passwd"); },
-     nullptr, false},
+     "file:///etc/passwd", false},
     {"ACopiedNote",
      [](QMimeData& data, Document& document) {
          const std::unique_ptr<QMimeData> note(
@@ -127,7 +129,7 @@ const Clipboard kClipboards[] = {
          for (const QString& format : note->formats())
              data.setData(format, note->data(format));
      },
-     nullptr, false},
+     "first", false},
     {"Nothing", [](QMimeData&, Document&) {}, nullptr, false},
 };
 
@@ -136,7 +138,7 @@ protected:
     ~PasteTest() override { QGuiApplication::clipboard()->clear(); }
 };
 
-TEST_P(PasteTest, AddsWhatTheClipboardHoldsAfterTheLastNoteAsOneStep) {
+TEST_P(PasteTest, AddsWhatTheClipboardHoldsAfterTheSelectedNoteAsOneStep) {
     const Clipboard& test = GetParam();
     DocumentWindow& window = *controller.newDocument();
     const NodePtr& root = window.document().rootNode();

@@ -17,37 +17,12 @@
 namespace quillery {
 namespace {
 
-// A shown notebook holding A(a1 a2) B C, its first column focused on A, no step to undo.
-class NoteCommandsTest : public AppFixture {
-protected:
-    NoteCommandsTest() {
-        window = controller.newDocument();
-        const NodePtr a = addNote(*window, "A");
-        addNote(*window, "a1", a);
-        addNote(*window, "a2", a);
-        addNote(*window, "B");
-        addNote(*window, "C");
-        window->undoManager().removeAllActions();
-        focusFirstColumn(*window);
-    }
+using NoteCommandsTest = OutlineWindowFixture;
 
-    static std::string outline(const NotebookNode& node) {
-        std::string out;
-        for (const NodePtr& child : node.children()) {
-            out += (out.empty() ? "" : " ") + child->text();
-            if (!child->children().empty())
-                out += "(" + outline(*child) + ")";
-        }
-        return out;
-    }
-
-    static void press(QKeyCombination key) {
-        ASSERT_NE(QApplication::focusWidget(), nullptr);
-        QTest::keyClick(QApplication::focusWidget(), key.key(), key.keyboardModifiers());
-    }
-
-    DocumentWindow* window = nullptr;
-};
+void press(QKeyCombination key) {
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
+    QTest::keyClick(QApplication::focusWidget(), key.key(), key.keyboardModifiers());
+}
 
 struct KeyCase {
     const char* name;

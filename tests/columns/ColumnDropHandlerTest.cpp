@@ -143,20 +143,21 @@ TEST_P(NoteDrops, MoveTheNoteWhereItMayGo) {
 INSTANTIATE_TEST_SUITE_P(Places, NoteDrops, ::testing::ValuesIn(kNoteDrops),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
-// A Save As copy shares every identifier with its original; its notes must not move the
-// original's notes of the same identifier, nor may a note whose notebook is not named.
-TEST_F(DropFixture, ANoteFromAnotherNotebookIsRefusedEvenWhenItsIdentifierIsHere) {
+// A Save As copy shares every identifier with its original: its notes are copied in, never moved
+// (the original's C stays), and a note whose notebook is not named comes with nothing to copy.
+TEST_F(DropFixture, ANoteFromAnotherNotebookIsCopiedEvenWhenItsIdentifierIsHere) {
     InMemoryPreferences otherPreferences;
     Document copy(otherPreferences);
     const std::unique_ptr<QMimeData> fromCopy(ColumnDropHandler(copy).mimeDataForNode(*notes["C"]));
+    drop(notes["A"], *fromCopy, 0, kAbove, Qt::CopyAction);
+    drop(notes["root"], *fromCopy, 3, kOn, Qt::CopyAction);
+    EXPECT_EQ(outline(), "A(C A1(A1x) A2) B C D(C)");
+    EXPECT_NE(notes["A"]->children()[0]->identifier(), notes["C"]->identifier());
+
     QMimeData unnamed;
     unnamed.setData(QString::fromLatin1(kNodeDragAndDropDataType),
                     QByteArray::fromStdString(notes["C"]->identifier().toString()));
-    for (const QMimeData* data : {fromCopy.get(), &unnamed}) {
-        drop(notes["A"], *data, 0, kAbove, Qt::IgnoreAction);
-        drop(notes["root"], *data, 0, kOn, Qt::IgnoreAction);
-    }
-    EXPECT_EQ(outline(), kBefore);
+    drop(notes["A"], unnamed, 0, kAbove, Qt::IgnoreAction);
 }
 
 TEST_F(DropFixture, ANotePayloadThatIsNotTextIsJudgedAsAnAddress) {

@@ -1,0 +1,154 @@
+#include "KeyScript.h"
+#include "app/AppFixture.h"
+#include "columns/NodeListModel.h"
+#include "columns/QtPicture.h"
+
+#include <QBuffer>
+#include <QClipboard>
+#include <QMimeData>
+
+#include <set>
+
+namespace quillery {
+namespace {
+
+class ClipboardCommandsTest : public OutlineWindowFixture {
+protected:
+    ~ClipboardCommandsTest() override { QGuiApplication::clipboard()->clear(); }
+
+    // Every note of the notebook, the deleted ones too, has an identifier of its own.
+    static bool identifiersAreDistinct(const Document& document) {
+        std::set<std::string> seen;
+        std::vector<const NotebookNode*> stack{document.rootNode().get(),
+                                               document.deletedRootNode().get()};
+        while (!stack.empty()) {
+            const NotebookNode* node = stack.back();
+            stack.pop_back();
+            if (!seen.insert(node->identifier().toString()).second)
+                return false;
+            for (const NodePtr& child : node->children())
+                stack.push_back(child.get());
+        }
+        return true;
+    }
+};
+
+// Keys typed in the window (A selected in the first column), with plain text on the clipboard
+// first where given.
+struct ClipboardCase {
+    const char* name;
+    const char* text;
+    const char* keys;
+    const char* outline;
+    std::size_t deleted;  // notes among the deleted notes afterwards
+    const char* selected; // in the focused column afterwards; null: not checked
+    const char* undo;     // the Edit menu's Undo command afterwards
+
+    friend void PrintTo(const ClipboardCase& c, std::ostream* out) { *out << c.name; }
+};
+
+const ClipboardCase kClipboardCases[] = {
+    {"CopyPastesACopyAfterTheNote", nullptr, "Ctrl+C Ctrl+V", "A(a1 a2) A(a1 a2) B C", 0, "A",
+     "&Undo Paste"},
+    {"CopyPastesIntoItsOwnChildren", nullptr, "Ctrl+C Right Ctrl+V", "A(a1 A(a1 a2) a2) B C", 0,
+     "A", "&Undo Paste"},
+    {"PasteOnTheAddButtonGoesLast", nullptr, "Ctrl+C Down Down Down Ctrl+V",
+     "A(a1 a2) B C A(a1 a2)", 0, "A", "&Undo Paste"},
+    {"CutTakesTheNoteToTheDeletedNotes", nullptr, "Ctrl+X", "B C", 1, "B", "&Undo Cut"},
+    {"CutAndPasteMovesTheNote", nullptr, "Ctrl+X Down Ctrl+V", "B C A(a1 a2)", 0, "A",
+     "&Undo Paste"},
+    {"ASecondPasteOfACutCopies", nullptr, "Ctrl+X Ctrl+V Ctrl+V", "B A(a1 a2) A(a1 a2) C", 0, "A",
+     "&Undo Paste"},
+    {"CutUndone", nullptr, "Ctrl+X Ctrl+Z", "A(a1 a2) B C", 0, nullptr, "&Undo"},
+    {"PasteUndone", nullptr, "Ctrl+C Ctrl+V Ctrl+Z", "A(a1 a2) B C", 0, nullptr, "&Undo"},
+    {"MoveUndoneAfterCutAndPaste", nullptr, "Ctrl+X Down Ctrl+V Ctrl+Z", "B C", 1, nullptr,
+     "&Undo Cut"},
+    {"LinesOfTextAreAnOutline", "x\n\t- y\n  * z\nw\r\n", "Ctrl+V", "A(a1 a2) x(y z) w B C", 0, "x",
+     "&Undo Paste"},
+    {"OneLineIsOneNoteAsItIs", "  - milk  \n", "Ctrl+V", "A(a1 a2) - milk B C", 0, "- milk",
+     "&Undo Paste"},
+    {"BlankTextPastesNothing", " \n\t\n", "Ctrl+V", "A(a1 a2) B C", 0, "A", "&Undo"},
+};
+
+class ClipboardKeys : public ClipboardCommandsTest,
+                      public ::testing::WithParamInterface<ClipboardCase> {};
+
+TEST_P(ClipboardKeys, ChangeTheOutlineAsOneStep) {
+    const ClipboardCase& test = GetParam();
+    if (test.text)
+        QGuiApplication::clipboard()->setText(QString::fromUtf8(test.text));
+    testing::pressKeys(test.keys);
+    const Document& document = window->document();
+    EXPECT_EQ(notebookOutline(), test.outline);
+    EXPECT_EQ(document.deletedRootNode()->children().size(), test.deleted);
+    EXPECT_TRUE(identifiersAreDistinct(document));
+    if (test.selected) {
+        EXPECT_EQ(selectedText(), test.selected);
+    }
+    EXPECT_EQ(action(*window, "actionUndo").text(), QString::fromLatin1(test.undo));
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, ClipboardKeys, ::testing::ValuesIn(kClipboardCases),
+                         [](const auto& caseInfo) { return std::string(caseInfo.param.name); });
+
+TEST_F(ClipboardCommandsTest, CopyOffersTheOutlineAsTextAndAsAPage) {
+    testing::pressKeys("Ctrl+C");
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(data->text(), QStringLiteral("- A\n  - a1\n  - a2\n"));
+    EXPECT_TRUE(data->html().contains(QStringLiteral("<li>A\n<ul>\n<li>a1\n</li>")));
+}
+
+// A picture note with a child, copied from one notebook's window into another's by the
+// clipboard or by a drag: the picture's bytes come along, and one undo takes the copy back.
+TEST_F(ClipboardCommandsTest, NotesGoToAnotherWindowWithTheirPictures) {
+    QImage image(8, 6, QImage::Format_RGB32);
+    image.fill(Qt::green);
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "png");
+    Document& source = window->document();
+    const Identifier key =
+        source.addImage(std::make_shared<QtPicture>(image), {png.begin(), png.end()}, "png");
+    source.userDidAdd(*NotebookNode::create(source.rootNode()->identifier(), "", key),
+                      *source.rootNode(), 0);
+    addNote(*window, "under", source.rootNode()->children()[0]);
+
+    for (const bool byDrag : {false, true}) {
+        SCOPED_TRACE(byDrag ? "drag" : "clipboard");
+        DocumentWindow& target = *controller.newDocument();
+        focusFirstColumn(target);
+        if (byDrag) {
+            NodeListModel* rows =
+                qobject_cast<NodeListModel*>(window->columnRow()->column(0)->listView()->model());
+            const std::unique_ptr<QMimeData> data(rows->mimeData({rows->index(0)}));
+            target.columnRow()->column(0)->listView()->model()->dropMimeData(
+                data.get(), Qt::CopyAction, 0, 0, {});
+        } else {
+            focusFirstColumn(*window);
+            window->columnRow()->column(0)->selectRow(0);
+            testing::pressKeys("Ctrl+C");
+            EXPECT_TRUE(QGuiApplication::clipboard()->mimeData()->html().contains(
+                QStringLiteral("<img src=\"data:image/png;base64,")));
+            focusFirstColumn(target);
+            testing::pressKeys("Ctrl+V");
+        }
+        const Document& copy = target.document();
+        ASSERT_EQ(outline(*copy.rootNode()), "(under)");
+        const NodePtr picture = copy.rootNode()->children()[0];
+        ASSERT_TRUE(picture->imageIdentifier());
+        const ImageData& stored = copy.images().newImageData().at(*picture->imageIdentifier());
+        EXPECT_EQ(QByteArray(reinterpret_cast<const char*>(stored.data.data()),
+                             static_cast<qsizetype>(stored.data.size())),
+                  png);
+        EXPECT_EQ(outline(*source.rootNode()), "(under) A(a1 a2) B C");
+        action(target, "actionUndo").trigger();
+        EXPECT_EQ(outline(*copy.rootNode()), "");
+        target.document().markSaved();
+        target.close();
+    }
+}
+
+} // namespace
+} // namespace quillery
