@@ -17,6 +17,9 @@ public:
     std::optional<std::filesystem::path> chooseDocumentToOpen(QWidget* parent) override;
     std::optional<std::filesystem::path> chooseSaveLocation(QWidget* parent,
                                                             const QString& suggestedName) override;
+    std::optional<std::filesystem::path> chooseOutlineToImport(QWidget* parent) override;
+    std::optional<ExportTarget> chooseExportLocation(QWidget* parent,
+                                                     const QString& suggestedName) override;
 
 private:
     QString startDirectory() const;

@@ -56,6 +56,13 @@ DocumentActions DocumentActions::create(QMainWindow& window) {
                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
     actions.revert = addAction(file, trMenu("Re&vert to Saved"), QStringLiteral("actionRevert"));
     file->addSeparator();
+    actions.importOutline =
+        addAction(file, trMenu("&Import…"), QStringLiteral("actionImportOutline"));
+    actions.exportNote =
+        addAction(file, trMenu("&Export Note…"), QStringLiteral("actionExportNote"));
+    actions.exportNotebook =
+        addAction(file, trMenu("Export Note&book…"), QStringLiteral("actionExportNotebook"));
+    file->addSeparator();
     actions.close =
         addAction(file, trMenu("&Close"), QStringLiteral("actionClose"), QKeySequence::Close);
     actions.quit = addAction(file, trMenu("&Quit"), QStringLiteral("actionQuit"),

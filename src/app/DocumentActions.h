@@ -15,6 +15,9 @@ struct DocumentActions {
     QAction* save = nullptr;
     QAction* saveAs = nullptr;
     QAction* revert = nullptr;
+    QAction* importOutline = nullptr;
+    QAction* exportNote = nullptr;
+    QAction* exportNotebook = nullptr;
     QAction* close = nullptr;
     QAction* quit = nullptr;
     QAction* undo = nullptr;

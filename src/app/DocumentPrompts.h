@@ -1,5 +1,7 @@
 #pragma once
 
+#include "outline/OutlineExport.h"
+
 #include <QString>
 
 #include <filesystem>
@@ -26,6 +28,17 @@ public:
     // A new package location ending in ".quillery", or nothing when the user cancelled.
     virtual std::optional<std::filesystem::path>
     chooseSaveLocation(QWidget* parent, const QString& suggestedName) = 0;
+    // An outline file to import (OPML, markdown or indented text), or nothing when the user
+    // cancelled.
+    virtual std::optional<std::filesystem::path> chooseOutlineToImport(QWidget* parent) = 0;
+    // The file to export to and its format (the dialog's filter chooses it), or nothing when the
+    // user cancelled. The suggested name has no extension.
+    struct ExportTarget {
+        std::filesystem::path file;
+        ExportFormat format = ExportFormat::opml;
+    };
+    virtual std::optional<ExportTarget> chooseExportLocation(QWidget* parent,
+                                                             const QString& suggestedName) = 0;
 };
 
 } // namespace quillery

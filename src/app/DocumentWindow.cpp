@@ -8,6 +8,7 @@
 #include "app/LiveMerge.h"
 #include "app/MessageBar.h"
 #include "app/NoteCommands.h"
+#include "app/OutlineFileCommands.h"
 #include "app/RevealNote.h"
 #include "columns/NoteColumn.h"
 #include "columns/NoteEditorPanel.h"
@@ -200,6 +201,7 @@ void DocumentWindow::connectActions() {
     });
     m_clipboardCommands = new ClipboardCommands(*this, m_actions);
     connect(qApp, &QApplication::focusChanged, this, &DocumentWindow::updateClipboardActions);
+    m_outlineFileCommands = new OutlineFileCommands(*this, m_actions, m_controller.prompts());
     connect(m_actions.find, &QAction::triggered, this, [this] { m_findBar->open(); });
     connect(m_actions.findNext, &QAction::triggered, this, [this] { m_findBar->chooseNext(); });
     connect(m_actions.findPrevious, &QAction::triggered, this,
@@ -323,6 +325,7 @@ void DocumentWindow::updateActions() {
     for (QAction* action : {m_actions.find, m_actions.findNext, m_actions.findPrevious})
         action->setEnabled(browsing);
     m_noteCommands->setBrowsing(browsing);
+    m_outlineFileCommands->setBrowsing(browsing);
     m_actions.revert->setEnabled(m_document->fileLocation().has_value());
     updateClipboardActions();
 }

@@ -22,6 +22,7 @@ class ColumnScrollArea;
 class ColumnRow;
 class ClipboardCommands;
 class NoteCommands;
+class OutlineFileCommands;
 class UndoManager;
 
 // One open notebook: owns its document and undo history and shows the columns. Saves in place a
@@ -111,6 +112,7 @@ private:
     std::unique_ptr<LiveMerge> m_liveMerge;
     NoteCommands* m_noteCommands = nullptr;
     ClipboardCommands* m_clipboardCommands = nullptr;
+    OutlineFileCommands* m_outlineFileCommands = nullptr;
     QTimer m_autosaveTimer;
     // One warning per run of failing autosaves, not one per change.
     bool m_autosaveFailed = false;

@@ -33,6 +33,13 @@ public:
     std::optional<std::filesystem::path> chooseSaveLocation(QWidget*, const QString&) override {
         return saveLocation;
     }
+    std::optional<std::filesystem::path> chooseOutlineToImport(QWidget*) override {
+        return outlineToImport;
+    }
+    std::optional<ExportTarget> chooseExportLocation(QWidget*, const QString& name) override {
+        exportNamesSuggested.push_back(name);
+        return exportTarget;
+    }
 
     std::vector<Warning> warnings;
     std::vector<QString> savePromptsFor;
@@ -41,6 +48,9 @@ public:
     bool revertAnswer = true;
     std::optional<std::filesystem::path> documentToOpen;
     std::optional<std::filesystem::path> saveLocation;
+    std::optional<std::filesystem::path> outlineToImport;
+    std::optional<ExportTarget> exportTarget;
+    std::vector<QString> exportNamesSuggested;
 };
 
 } // namespace quillery
