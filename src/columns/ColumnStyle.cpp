@@ -42,6 +42,21 @@ ChildCountColors childCountColors(const QPalette& palette, bool dimmed) {
     return {QColor::fromRgbF(0.5f, 0.5f, 0.5f, 0.2f), text};
 }
 
+QColor accent(const QPalette& palette) {
+    return palette.color(QPalette::Active, QPalette::Highlight);
+}
+
+SelectionLook selectionLook(const QPalette& palette, bool emphasized) {
+    if (emphasized) {
+        QColor tint = accent(palette);
+        tint.setAlphaF(0.14f);
+        return {tint, accent(palette)};
+    }
+    // Grey that shows on light and dark lists alike.
+    const float grey = isDark(palette) ? 0.8f : 0.5f;
+    return {QColor::fromRgbF(grey, grey, grey, 0.08f), QColor::fromRgbF(grey, grey, grey, 0.45f)};
+}
+
 double qtPointSize(double designPoints) {
     return designPoints * 72.0 / 96.0;
 }
@@ -49,6 +64,8 @@ double qtPointSize(double designPoints) {
 QFont font(const FontSpec& fontSpec) {
     QFont result(QString::fromStdString(fontSpec.family));
     result.setPointSizeF(qtPointSize(fontSpec.pointSize));
+    result.setBold(fontSpec.bold);
+    result.setItalic(fontSpec.italic);
     return result;
 }
 

@@ -30,13 +30,27 @@ struct ChildCountColors {
 };
 ChildCountColors childCountColors(const QPalette& palette, bool dimmed);
 
+// The one accent colour of the app: the palette's highlight (as when its window is active, so a
+// dimmed column still shows it), for the selection of the list that has the keyboard, the focused
+// add button and the drop mark.
+QColor accent(const QPalette& palette);
+
+// The colours of a marked row (selected, or being edited): a light tint over the row, and the
+// outline and the bar at its left edge. The accent marks the row the keyboard is in (or the note
+// being edited); any other selected row is marked in a neutral grey.
+struct SelectionLook {
+    QColor tint;
+    QColor mark;
+};
+SelectionLook selectionLook(const QPalette& palette, bool emphasized);
+
 // Sizes in the design are in the original desktop's points, which are logical pixels; Qt points
 // are 1/72 inch, 4/3 of a logical pixel at the standard 96 dpi. Converting keeps the design's
 // proportions and still follows the desktop's font DPI setting.
 double qtPointSize(double designPoints);
 
-// The font of a family and design size; a missing family falls back through fontconfig to a
-// close face at the same size.
+// The font of a family, design size, weight and slant; a missing family falls back through
+// fontconfig to a close face at the same size.
 QFont font(const FontSpec& fontSpec);
 
 } // namespace quillery::columnstyle

@@ -3,6 +3,7 @@
 #include "columns/ColumnStyle.h"
 #include "markdown/MarkdownStyler.h"
 
+#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPalette>
@@ -32,7 +33,9 @@ std::string_view styledPart(std::string_view text) {
 } // namespace
 
 StyledTextLayout::StyledTextLayout(std::string_view text, const QPalette& palette) {
-    MarkdownStyler styler(styledPart(text));
+    const std::string_view styled = styledPart(text);
+    m_textCut = styled.size() < text.size();
+    MarkdownStyler styler(styled);
     styler.code.fontName = fontfamilies::monospace();
     styler.code.color = codeColor();
     const std::vector<StyledRun> runs = styler.attributedString();
@@ -56,6 +59,10 @@ StyledTextLayout::StyledTextLayout(std::string_view text, const QPalette& palett
         QTextCharFormat format;
         lastFont = columnstyle::font(presentation.font);
         format.setFont(lastFont);
+        if (run.style == LineStyle::listMarker) {
+            m_listItems.push_back({static_cast<int>(string.size()),
+                                   QFontMetricsF(lastFont).horizontalAdvance(piece)});
+        }
         format.setForeground(columnstyle::textColor(presentation.foreground, palette));
         if (presentation.link) {
             format.setAnchor(true);
@@ -74,21 +81,50 @@ StyledTextLayout::StyledTextLayout(std::string_view text, const QPalette& palett
     m_layout.setCacheEnabled(true);
 }
 
+qreal StyledTextLayout::indentOfLineAt(int position) const {
+    const QString& text = m_layout.text();
+    if (position <= 0 || text.at(position - 1) == QChar(QChar::LineSeparator))
+        return 0; // the first line of a source line
+    // The list item the line continues: the last one starting before it, if no line break lies
+    // between.
+    const auto after =
+        std::upper_bound(m_listItems.begin(), m_listItems.end(), position,
+                         [](int at, const ListItem& item) { return at < item.start; });
+    if (after == m_listItems.begin())
+        return 0;
+    const ListItem& item = *(after - 1);
+    const auto lineBreak =
+        text.lastIndexOf(QChar(QChar::LineSeparator), static_cast<qsizetype>(position) - 1);
+    return lineBreak >= item.start ? 0 : item.indent;
+}
+
 qreal StyledTextLayout::layout(qreal width) {
     m_width = std::max<qreal>(width, 1);
     m_height = 0;
+    m_firstLineHeight = 0;
+    m_lastLineHeight = 0;
+    m_cut = m_textCut;
     m_layout.beginLayout();
-    while (m_height < kMaxHeight) {
+    while (true) {
         QTextLine line = m_layout.createLine();
         if (!line.isValid())
             break;
+        // Never wider than the row, however wide the bullet.
+        const qreal indent = std::min(indentOfLineAt(line.textStart()), m_width / 2);
         line.setLeadingIncluded(true);
-        line.setLineWidth(m_width);
-        line.setPosition(QPointF(0, m_height));
+        line.setLineWidth(m_width - indent);
+        line.setPosition(QPointF(indent, m_height));
+        // Only whole lines are shown; the first always is.
+        if (m_height > 0 && m_height + line.height() > kMaxHeight) {
+            m_cut = true;
+            break;
+        }
+        if (m_height == 0)
+            m_firstLineHeight = line.height();
         m_height += line.height();
+        m_lastLineHeight = line.height();
     }
     m_layout.endLayout();
-    m_height = std::min(m_height, kMaxHeight);
     return m_height;
 }
 
