@@ -1,29 +1,27 @@
 #include "columns/AddNoteButtonLook.h"
 
 #include "columns/ColumnStyle.h"
-#include "markdown/Styles.h"
 
 #include <QPalette>
 
 namespace quillery {
 
-AddNoteButtonColors AddNoteButtonColors::standard() {
+AddNoteButtonColors AddNoteButtonColors::forPalette(const QPalette& palette) {
+    const QColor accent = columnstyle::accent(palette);
+    const QColor text = palette.color(QPalette::Active, QPalette::ButtonText);
     AddNoteButtonColors colors;
     colors.disabled = QColor::fromRgbF(0.5f, 0.5f, 0.5f, 0.3f);
     colors.normal = Qt::transparent;
     colors.normalBorder = QColor::fromRgbF(0.5f, 0.5f, 0.5f);
-    colors.mouseOver = columnstyle::toQColor(Colors::rowHighlight());
-    colors.mouseClick = columnstyle::toQColor(Colors::buttonClickColor());
-    colors.normalText = QColor::fromRgbF(2.0f / 3.0f, 2.0f / 3.0f, 2.0f / 3.0f);
-    colors.mouseOverText = Qt::white;
+    colors.hover = accent;
+    colors.hover.setAlphaF(0.15f);
+    colors.hoverBorder = accent;
+    colors.focus = accent;
+    colors.pressed = accent.darker(125);
+    colors.normalText = QColor::fromRgbF(0.5f, 0.5f, 0.5f);
+    colors.hoverText = text;
+    colors.focusText = palette.color(QPalette::Active, QPalette::HighlightedText);
     colors.mouseDownText = Qt::white;
-    return colors;
-}
-
-AddNoteButtonColors AddNoteButtonColors::forPalette(const QPalette& palette) {
-    AddNoteButtonColors colors = standard();
-    if (!columnstyle::isDark(palette))
-        colors.normalText = QColor::fromRgbF(1.0f / 3.0f, 1.0f / 3.0f, 1.0f / 3.0f);
     return colors;
 }
 
@@ -33,11 +31,13 @@ AddNoteButtonLook addNoteButtonLook(const AddNoteButtonState& state,
         return {colors.normal, colors.disabled, colors.disabled};
     if (state.mouseDown) {
         if (state.mouseInBounds)
-            return {colors.mouseClick, Qt::transparent, colors.mouseOverText};
+            return {colors.pressed, Qt::transparent, colors.focusText};
         return {colors.normalBorder, colors.normalBorder, colors.mouseDownText};
     }
-    if (state.focused || state.mouseInBounds)
-        return {colors.mouseOver, Qt::transparent, colors.mouseOverText};
+    if (state.focused)
+        return {colors.focus, Qt::transparent, colors.focusText};
+    if (state.mouseInBounds)
+        return {colors.hover, colors.hoverBorder, colors.hoverText};
     return {colors.normal, colors.normalBorder, colors.normalText};
 }
 

@@ -14,21 +14,21 @@ struct AddNoteButtonState {
     bool focused = false;       // the button has the keyboard focus
 };
 
-// The button's colour set.
+// The button's colour set, from the palette: its accent is the palette's highlight, the colour
+// of the app's selection and drop mark too.
 struct AddNoteButtonColors {
     QColor disabled;
     QColor normal;
     QColor normalBorder;
-    QColor mouseOver;
-    QColor mouseClick;
+    QColor hover;
+    QColor hoverBorder;
+    QColor focus;
+    QColor pressed;
     QColor normalText;
-    QColor mouseOverText;
+    QColor hoverText;
+    QColor focusText;
     QColor mouseDownText;
 
-    // The design's colours, made for a dark backdrop.
-    static AddNoteButtonColors standard();
-    // The design's colours, except that on a light palette the resting title is a dark gray (the
-    // design's light gray would all but vanish on white).
     static AddNoteButtonColors forPalette(const QPalette& palette);
 };
 
@@ -39,8 +39,9 @@ struct AddNoteButtonLook {
     friend bool operator==(const AddNoteButtonLook&, const AddNoteButtonLook&) = default;
 };
 
-// Keyboard focus looks like hover; a press dragged off the button shows a gray fill in a gray
-// frame; a disabled button shows only a faint frame and title.
+// Keyboard focus fills the button with the accent; the pointer over it only tints it and frames
+// it in the accent, so the two never look alike. A press shows a darker accent, and dragged off
+// the button a grey fill in a grey frame; a disabled button shows only a faint frame and title.
 AddNoteButtonLook addNoteButtonLook(const AddNoteButtonState& state,
                                     const AddNoteButtonColors& colors);
 

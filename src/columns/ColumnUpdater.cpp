@@ -61,6 +61,8 @@ void ColumnUpdater::apply(const DocumentUpdate& update) {
     case NodeUpdateType::destroyedNode:
         if (isParentOf(update) && update.oldChildIndex)
             removeRow(toRow(*update.oldChildIndex));
+        else
+            refreshCount(update.node->parentIdentifier());
         break;
     case NodeUpdateType::movedWithinParent:
         if (isParentOf(update) && update.oldChildIndex && update.newChildIndex)
@@ -80,7 +82,7 @@ void ColumnUpdater::apply(const DocumentUpdate& update) {
         // Rows showing either parent have a new count of children.
         for (const Identifier* either :
              {&*update.newParentIdentifier, &*update.oldParentIdentifier}) {
-            m_model.refreshRow(m_model.rowShowing(*either));
+            refreshCount(*either);
         }
         break;
     }
@@ -98,6 +100,9 @@ void ColumnUpdater::insertRow(int row) {
 void ColumnUpdater::removeRow(int row) {
     int selected = m_view.selectedRow();
     m_model.removeRowAt(row);
+    // The selection model keeps a selected note that was not removed, wherever it now stands.
+    if (selected != row)
+        return;
     const int count = m_model.rowCount();
     if (selected == count)
         selected = count - 1;
@@ -108,9 +113,18 @@ void ColumnUpdater::removeRow(int row) {
 }
 
 void ColumnUpdater::refreshRowShowingParentOf(const DocumentUpdate& update) {
-    const NodePtr parent = m_document.notebookNode(update.node->parentIdentifier());
-    if (parent)
-        m_model.refreshRow(m_model.rowShowing(parent->identifier()));
+    if (m_document.notebookNode(update.node->parentIdentifier()))
+        refreshCount(update.node->parentIdentifier());
+}
+
+void ColumnUpdater::refreshCount(const Identifier& note) {
+    const int row = m_model.rowShowing(note);
+    if (row < 0)
+        return;
+    // The count takes room from the text beside it, so the row may change height.
+    m_rows.invalidate(note);
+    m_model.refreshRow(row);
+    emit m_rows.sizeHintChanged(m_model.index(row));
 }
 
 } // namespace quillery

@@ -2,6 +2,7 @@
 
 namespace quillery {
 
+class Identifier;
 class NoteListView;
 class NodeListModel;
 class NodeRowDelegate;
@@ -21,10 +22,13 @@ public:
 private:
     bool isParentOf(const DocumentUpdate& update) const;
     void insertRow(int row);
-    // Removes the row; the selection stays at the same position, moves up when the last row
-    // was selected, and stays empty when nothing was selected or the list became empty.
+    // Removes the row. The selection stays on its note when another row goes; when the selected
+    // row goes it stays at the same position, moves up when the last row was selected, and stays
+    // empty when the list became empty.
     void removeRow(int row);
     void refreshRowShowingParentOf(const DocumentUpdate& update);
+    // The row showing the note, whose number of children changed, if this column shows it.
+    void refreshCount(const Identifier& note);
 
     const Document& m_document;
     NodeListModel& m_model;

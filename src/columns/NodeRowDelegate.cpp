@@ -6,6 +6,8 @@
 #include "columns/StyledTextLayout.h"
 #include "document/Document.h"
 
+#include <QGuiApplication>
+#include <QLinearGradient>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QTimer>
@@ -18,11 +20,14 @@ namespace quillery {
 
 namespace {
 
-constexpr int kTopMargin = 10; // of the 24 around the text; the rest, below, holds the count
+constexpr int kTopMargin = 12; // of the 24 around the text, half above and half below
 constexpr qreal kSelectionOutlineWidth = 2;
 constexpr int kSelectionBarWidth = 6;
 constexpr qreal kDimmedTextOpacity = 0.25;
 constexpr qreal kDimmedPictureOpacity = 0.5;
+constexpr int kCountGap = 6; // between the text and the count beside it
+// The fade at the bottom of a cut note covers this many of its last lines.
+constexpr qreal kFadeLines = 1.5;
 
 const NotebookNode* nodeFor(const QModelIndex& index) {
     const auto* model = qobject_cast<const NodeListModel*>(index.model());
@@ -41,6 +46,28 @@ const BodyMetrics& bodyMetrics() {
         return BodyMetrics{font.lineSpacing(), std::max<qreal>(font.averageCharWidth(), 1)};
     }();
     return metrics;
+}
+
+QFont countFont(QFont font) {
+    font.setBold(true);
+    return font;
+}
+
+// The pill showing a count: as high as a line of its font, and at least as wide as high.
+QSize countSize(std::size_t count, const QFont& font) {
+    const QFontMetrics metrics(font);
+    const int height = metrics.height() + 2;
+    return {std::max(height, metrics.horizontalAdvance(QString::number(count)) + height * 2 / 3),
+            height};
+}
+
+QColor over(const QColor& top, const QColor& below) {
+    const float alpha = top.alphaF();
+    const auto mix = [alpha](float a, float b) {
+        return a * alpha + b * (1 - alpha);
+    };
+    return QColor::fromRgbF(mix(top.redF(), below.redF()), mix(top.greenF(), below.greenF()),
+                            mix(top.blueF(), below.blueF()));
 }
 
 } // namespace
@@ -76,6 +103,14 @@ int NodeRowDelegate::textWidth() const {
     return std::max(m_columnWidth - 2 * kTextInset, 1);
 }
 
+int NodeRowDelegate::textWidth(const NotebookNode& node) const {
+    if (node.children().empty())
+        return textWidth();
+    const int count = countSize(node.children().size(), countFont(QGuiApplication::font())).width();
+    // A column too narrow for both keeps a sliver of text rather than none.
+    return std::max(textWidth() - count - kCountGap, std::min(textWidth(), count));
+}
+
 int NodeRowDelegate::pictureRowHeight(const NotebookNode& node) const {
     const PicturePtr picture = m_document ? m_document->image(*node.imageIdentifier()) : nullptr;
     if (!picture || picture->width() <= 0)
@@ -90,7 +125,7 @@ int NodeRowDelegate::rowHeight(const NotebookNode& node) const {
     if (const auto cached = m_heights->byNode.find(node.identifier());
         cached != m_heights->byNode.end())
         return cached->second;
-    const qreal text = StyledTextLayout::measure(node.text(), textWidth());
+    const qreal text = StyledTextLayout::measure(node.text(), textWidth(node));
     const int height = static_cast<int>(std::ceil(text)) + kVerticalSpace;
     m_heights->byNode.emplace(node.identifier(), height);
     return height;
@@ -100,8 +135,8 @@ int NodeRowDelegate::estimatedRowHeight(const NotebookNode& node) const {
     if (node.imageIdentifier())
         return pictureRowHeight(node);
     const BodyMetrics& metrics = bodyMetrics();
-    const auto perLine =
-        std::max<std::size_t>(static_cast<std::size_t>(textWidth() / metrics.averageCharWidth), 1);
+    const auto perLine = std::max<std::size_t>(
+        static_cast<std::size_t>(textWidth(node) / metrics.averageCharWidth), 1);
     const std::string& text = node.text();
     const std::size_t end = std::min(text.size(), StyledTextLayout::kMaxStyledBytes);
     std::size_t lines = 0;
@@ -145,14 +180,36 @@ void NodeRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
         return;
     const bool enabled = option.state.testFlag(QStyle::State_Enabled);
     const bool selected = option.state.testFlag(QStyle::State_Selected);
+    const bool edited = node == m_editedNote;
+    const bool focused =
+        option.widget && option.widget->hasFocus() && option.state.testFlag(QStyle::State_Active);
+    const columnstyle::SelectionLook look =
+        columnstyle::selectionLook(option.palette, edited || (selected && focused));
+    const QColor base = option.palette.color(QPalette::Normal, QPalette::Base);
+    const bool marked = selected || edited;
     painter->save();
-    if (node->imageIdentifier())
+    if (node->imageIdentifier()) {
         paintPicture(*painter, option.rect, *node, enabled);
-    else
-        paintText(*painter, option, index, *node, enabled, selected);
+    } else {
+        if (marked)
+            painter->fillRect(option.rect, look.tint);
+        // In a disabled column the selected and the edited row stay clear while the others fade.
+        paintText(*painter, option, index, *node, !enabled && !marked,
+                  marked ? over(look.tint, base) : base);
+    }
     painter->restore();
-    if (selected)
-        paintSelection(*painter, option);
+    if (!marked)
+        return;
+    painter->save();
+    const QRectF bounds(option.rect);
+    const qreal half = kSelectionOutlineWidth / 2;
+    painter->setPen(QPen(look.mark, kSelectionOutlineWidth));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRect(bounds.adjusted(half, half, -half, -half));
+    painter->fillRect(
+        QRect(option.rect.left(), option.rect.top(), kSelectionBarWidth, option.rect.height()),
+        look.mark);
+    painter->restore();
 }
 
 void NodeRowDelegate::paintPicture(QPainter& painter, const QRect& rect, const NotebookNode& node,
@@ -180,31 +237,41 @@ void NodeRowDelegate::paintPicture(QPainter& painter, const QRect& rect, const N
 }
 
 void NodeRowDelegate::paintText(QPainter& painter, const QStyleOptionViewItem& option,
-                                const QModelIndex& index, const NotebookNode& node, bool enabled,
-                                bool selected) const {
-    // In a disabled column the selected row stays clear while the others fade.
-    const bool dimmed = !enabled && !selected;
+                                const QModelIndex& index, const NotebookNode& node, bool dimmed,
+                                const QColor& background) const {
     painter.setOpacity(dimmed ? kDimmedTextOpacity : 1.0);
     StyledTextLayout layout(node.text(), option.palette);
-    const int height = static_cast<int>(std::ceil(layout.layout(textWidth()))) + kVerticalSpace;
+    const qreal textHeight = layout.layout(textWidth(node));
+    const int height = static_cast<int>(std::ceil(textHeight)) + kVerticalSpace;
     remember(index, node, height, option.rect.height());
     painter.setClipRect(option.rect, Qt::IntersectClip);
-    layout.draw(painter, QPointF(option.rect.left() + kTextInset, option.rect.top() + kTopMargin));
+    const QPointF origin(option.rect.left() + kTextInset, option.rect.top() + kTopMargin);
+    layout.draw(painter, origin);
+    if (layout.isCut()) {
+        // The note goes on below: its last lines fade into the row.
+        const qreal fade = layout.lastLineHeight() * kFadeLines;
+        const qreal bottom = origin.y() + textHeight;
+        QLinearGradient gradient(0, bottom - fade, 0, bottom);
+        QColor clear = background;
+        clear.setAlphaF(0);
+        gradient.setColorAt(0, clear);
+        gradient.setColorAt(1, background);
+        painter.fillRect(QRectF(option.rect.left(), bottom - fade, option.rect.width(), fade),
+                         gradient);
+    }
     if (!node.children().empty())
-        paintChildCount(painter, option, node.children().size(), dimmed);
+        paintChildCount(painter, option, node.children().size(), layout.firstLineHeight(), dimmed);
 }
 
 void NodeRowDelegate::paintChildCount(QPainter& painter, const QStyleOptionViewItem& option,
-                                      std::size_t count, bool dimmed) const {
-    QFont font = option.font;
-    font.setBold(true);
-    const QFontMetrics metrics(font);
-    const QString text = QString::number(count);
-    const int height = metrics.height() + 2;
-    const int width = std::max(height, metrics.horizontalAdvance(text) + height * 2 / 3);
-    // In the corner below the text, which the 24 of vertical space leaves free.
-    const QRect badge(option.rect.right() - kTextInset - width + 1,
-                      option.rect.bottom() - height - 3, width, height);
+                                      std::size_t count, qreal firstLineHeight, bool dimmed) const {
+    const QFont font = countFont(option.font);
+    const QSize size = countSize(count, font);
+    // Beside the first line, in the room its text leaves at the right.
+    const int top = option.rect.top() + kTopMargin +
+                    static_cast<int>(std::lround((firstLineHeight - size.height()) / 2));
+    const QRect badge(option.rect.right() - kTextInset - size.width() + 1,
+                      std::max(top, option.rect.top() + 2), size.width(), size.height());
     // The count fades less than the text, through its own colours, to stay readable.
     const columnstyle::ChildCountColors colors =
         columnstyle::childCountColors(option.palette, dimmed);
@@ -212,34 +279,10 @@ void NodeRowDelegate::paintChildCount(QPainter& painter, const QStyleOptionViewI
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(colors.badge);
-    painter.drawRoundedRect(badge, height / 2.0, height / 2.0);
+    painter.drawRoundedRect(badge, size.height() / 2.0, size.height() / 2.0);
     painter.setFont(font);
     painter.setPen(colors.text);
-    painter.drawText(badge, Qt::AlignCenter, text);
-}
-
-void NodeRowDelegate::paintSelection(QPainter& painter, const QStyleOptionViewItem& option) const {
-    const bool emphasized =
-        option.widget && option.widget->hasFocus() && option.state.testFlag(QStyle::State_Active);
-    QColor color;
-    if (emphasized) {
-        color = columnstyle::toQColor(Colors::rowHighlight());
-    } else if (columnstyle::isDark(option.palette)) {
-        color = QColor::fromRgbF(0.8f, 0.8f, 0.8f, 0.4f);
-    } else {
-        // The design's light gray would vanish on a white list; the same gray, darker.
-        color = QColor::fromRgbF(0.5f, 0.5f, 0.5f, 0.4f);
-    }
-    painter.save();
-    const QRectF bounds(option.rect);
-    const qreal half = kSelectionOutlineWidth / 2;
-    painter.setPen(QPen(color, kSelectionOutlineWidth));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(bounds.adjusted(half, half, -half, -half));
-    painter.fillRect(
-        QRect(option.rect.left(), option.rect.top(), kSelectionBarWidth, option.rect.height()),
-        color);
-    painter.restore();
+    painter.drawText(badge, Qt::AlignCenter, QString::number(count));
 }
 
 void NodeRowDelegate::remember(const QModelIndex& index, const NotebookNode& node, int height,

@@ -103,6 +103,8 @@ signals:
     void editorRequested(NoteEditorPanel* editor);
     // The editor's change is recorded (or the new note thrown away): the editor can go.
     void editorDone();
+    // A drop onto this column moved or added the note; the row shows it.
+    void noteDropped(const NodePtr& note);
 
 protected:
     bool event(QEvent* event) override;
@@ -129,6 +131,7 @@ private:
     void showEditor(const NodePtr& node);
     void editorFinished(const NodePtr& node, const std::string& text);
     void editorCancelled(const NodePtr& node);
+    void forgetEditedNote();
 
     Document* m_document;
     NodeListModel* m_model;
@@ -142,6 +145,7 @@ private:
     int m_depth = 0;
     bool m_enabled = true;
     NodePtr m_temporaryNode;
+    NodePtr m_editedNote; // kept alive while the delegate draws it marked
     bool m_temporaryRowShown = false;
     bool m_selectionHandlingSuspended = false;
     std::uint64_t m_observer = 0;

@@ -3,6 +3,7 @@
 #include "columns/AddNoteButton.h"
 #include "columns/ColumnPasteHandler.h"
 #include "columns/NodeListModel.h"
+#include "columns/NodeRowDelegate.h"
 #include "columns/NoteColumn.h"
 #include "columns/NoteListView.h"
 #include "document/Document.h"
@@ -143,10 +144,15 @@ void NoteColumn::showEditor(const NodePtr& node) {
     editor->setNote(node);
     connect(editor, &NoteEditorPanel::finished, this, &NoteColumn::editorFinished);
     connect(editor, &NoteEditorPanel::cancelled, this, &NoteColumn::editorCancelled);
+    // The note stays marked in its dimmed column while the editor is open.
+    m_editedNote = node;
+    m_rows->setEditedNote(node.get());
+    m_listView->viewport()->update();
     emit editorRequested(editor);
 }
 
 void NoteColumn::editorFinished(const NodePtr& node, const std::string& text) {
+    forgetEditedNote();
     const NodePtr parent = parentNote();
     if (!parent)
         return;
@@ -166,10 +172,17 @@ void NoteColumn::editorFinished(const NodePtr& node, const std::string& text) {
 }
 
 void NoteColumn::editorCancelled(const NodePtr& node) {
+    forgetEditedNote();
     if (m_temporaryNode && node == m_temporaryNode && parentNote())
         removeTemporaryNode();
     updateEmptyLabel();
     emit editorDone();
+}
+
+void NoteColumn::forgetEditedNote() {
+    m_editedNote.reset();
+    m_rows->setEditedNote(nullptr);
+    m_listView->viewport()->update();
 }
 
 } // namespace quillery

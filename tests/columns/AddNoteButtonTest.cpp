@@ -38,12 +38,15 @@ protected:
 };
 
 TEST_F(AddNoteButtonTest, APressDraggedOutAndBackInClicksOnceAndShowsWhereItIs) {
+    button.clearFocus();
+    drag(inside);
+    EXPECT_EQ(background(), colors.hover);
     QTest::mousePress(&button, Qt::LeftButton, {}, inside);
-    EXPECT_EQ(background(), colors.mouseClick);
+    EXPECT_EQ(background(), colors.pressed);
     drag(outside);
     EXPECT_EQ(background(), colors.normalBorder);
     drag(inside);
-    EXPECT_EQ(background(), colors.mouseClick);
+    EXPECT_EQ(background(), colors.pressed);
     QTest::mouseRelease(&button, Qt::LeftButton, {}, inside);
     EXPECT_EQ(clicks.count(), 1);
 }
@@ -60,7 +63,8 @@ TEST_F(AddNoteButtonTest, AReleaseOutsideOrADisabledButtonClicksNothing) {
 
 TEST_F(AddNoteButtonTest, SpaceAndReturnClickAndOtherKeysGoOn) {
     button.setFocus();
-    EXPECT_EQ(background(), colors.mouseOver);
+    EXPECT_EQ(background(), colors.focus);
+    EXPECT_NE(colors.focus, colors.hover) << "focus must not look like hover";
     for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_A})
         QTest::keyClick(&button, key);
     QTest::keyClick(&button, Qt::Key_Enter, Qt::KeypadModifier);

@@ -94,6 +94,7 @@ INSTANTIATE_TEST_SUITE_P(
         UpdateCase{"DeletingTheLastRowSelectsTheNewLast", 2, "delete 2", "a, b", "b", true},
         UpdateCase{"DeletingTheFirstRowSelectsTheNext", 0, "delete 0", "b, c", "b", true},
         UpdateCase{"DeletingWithNothingSelected", -1, "delete 1", "a, c", "-", false},
+        UpdateCase{"DeletingARowAboveKeepsTheSelectedNote", 2, "delete 0", "b, c", "c", false},
         UpdateCase{"ReorderingCarriesTheSelection", 0, "move 0 3", "b, c, a", "a", false}),
     [](const auto& testCase) { return std::string(testCase.param.name); });
 

@@ -68,6 +68,8 @@ protected:
         for (const char* text : {"a", "b", "c"})
             add(parent, text);
         open(parent);
+        // Only the mark may show the highlight colour, not a selected row.
+        column->listView()->clearSelection();
         QPalette palette = column->listView()->palette();
         palette.setColor(QPalette::Highlight, QColor(kHighlight));
         column->listView()->setPalette(palette);
