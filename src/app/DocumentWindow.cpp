@@ -9,13 +9,13 @@
 #include "app/MessageBar.h"
 #include "app/NoteCommands.h"
 #include "app/OutlineFileCommands.h"
-#include "app/RevealNote.h"
 #include "columns/NoteColumn.h"
 #include "columns/NoteEditorPanel.h"
 #include "document/UndoManager.h"
 #include "navigation/ColumnRow.h"
 #include "navigation/ColumnRowState.h"
 #include "navigation/ColumnScrollArea.h"
+#include "navigation/RevealNote.h"
 #include "storage/NotebookPackage.h"
 
 #include <QAction>

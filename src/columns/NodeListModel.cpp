@@ -171,6 +171,10 @@ bool NodeListModel::dropMimeData(const QMimeData* data, Qt::DropAction, int row,
     const DropPlace place = dropPlace(row, parent);
     const ColumnDropHandler::Outcome outcome =
         m_dropHandler->acceptDrop(m_parentNote, *data, place.row, place.position);
+    // On the next turn, once the list is done with the drop.
+    if (outcome.added) {
+        QTimer::singleShot(0, this, [this, note = outcome.added] { emit noteDropped(note); });
+    }
     editAfterDrop(outcome.noteToEdit);
     return outcome.accepted;
 }

@@ -56,6 +56,8 @@ public:
     Qt::DropActions supportedDragActions() const override;
 
 signals:
+    // A drop moved or added the note (a paste does not count); sent on the turn after the drop.
+    void noteDropped(NodePtr node);
     // A drop made a note that wants its editor; sent on the turn after the drop.
     void noteToEditAfterDrop(NodePtr node);
 

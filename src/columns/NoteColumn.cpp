@@ -35,6 +35,7 @@ NoteColumn::NoteColumn(Document* document, QWidget* parent)
             &NoteColumn::followSelection);
     connect(m_listView, &QAbstractItemView::doubleClicked, this, &NoteColumn::editSelectedNote);
     connect(m_model, &NodeListModel::noteToEditAfterDrop, this, &NoteColumn::showEditor);
+    connect(m_model, &NodeListModel::noteDropped, this, &NoteColumn::noteDropped);
 
     m_emptyLabel->setObjectName(QStringLiteral("emptyLabel"));
     m_emptyLabel->setAlignment(Qt::AlignCenter);

@@ -4,8 +4,12 @@
 #include "columns/DropIndicatorStyle.h"
 #include "columns/NodeListModel.h"
 
+#include <QApplication>
+#include <QDrag>
 #include <QDropEvent>
 #include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPointer>
 #include <QResizeEvent>
 #include <QWheelEvent>
 
@@ -78,6 +82,85 @@ void NoteListView::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QListView::keyPressEvent(event);
+}
+
+void NoteListView::mousePressEvent(QMouseEvent* event) {
+    m_pressedRow = QPersistentModelIndex();
+    if (event->button() == Qt::LeftButton) {
+        m_pressedRow = indexAt(event->position().toPoint());
+        m_pressPosition = event->position().toPoint();
+    }
+    QListView::mousePressEvent(event);
+}
+
+void NoteListView::mouseMoveEvent(QMouseEvent* event) {
+    if (!m_pressedRow.isValid() || !(event->buttons() & Qt::LeftButton)) {
+        QListView::mouseMoveEvent(event);
+        return;
+    }
+    // The list's own handling would select the rows the pointer passes; a press on a row only
+    // ever selects that row, on release, or drags it.
+    if ((event->position().toPoint() - m_pressPosition).manhattanLength() <
+            QApplication::startDragDistance() ||
+        !dragEnabled()) {
+        return;
+    }
+    const QModelIndex row = m_pressedRow;
+    m_pressedRow = QPersistentModelIndex();
+    dragRow(row);
+}
+
+void NoteListView::mouseReleaseEvent(QMouseEvent* event) {
+    QListView::mouseReleaseEvent(event);
+    m_pressedRow = QPersistentModelIndex();
+}
+
+QItemSelectionModel::SelectionFlags NoteListView::selectionCommand(const QModelIndex& index,
+                                                                   const QEvent* event) const {
+    if (event && event->type() == QEvent::MouseButtonPress && index.isValid() &&
+        static_cast<const QMouseEvent*>(event)->button() == Qt::LeftButton) {
+        return QItemSelectionModel::NoUpdate;
+    }
+    if (event && event->type() == QEvent::MouseButtonRelease) {
+        // Only a release over the row the press went down on, with no drag between, selects.
+        if (index.isValid() && index == m_pressedRow)
+            return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+        return QItemSelectionModel::NoUpdate;
+    }
+    return QListView::selectionCommand(index, event);
+}
+
+void NoteListView::dragRow(const QModelIndex& index) {
+    QMimeData* payload = model()->mimeData({index});
+    if (!payload)
+        return;
+    // Parented to the list, which the drag must not outlive; Qt lets go of it after the drag.
+    auto* drag = new QDrag(this);
+    drag->setMimeData(payload);
+    const QRect row = visualRect(index);
+    drag->setPixmap(viewport()->grab(row));
+    drag->setHotSpot(m_pressPosition - row.topLeft());
+    const QPointer<NoteListView> self(this);
+    if (m_dragRunner)
+        m_dragRunner(*drag);
+    else
+        drag->exec(model()->supportedDragActions(), defaultDropAction());
+    // The drop may have closed this column.
+    if (!self || !selectionModel())
+        return;
+    // The press made the dragged row the current one without selecting it; the keys go on from
+    // the selected row.
+    const int selected = selectedRow();
+    if (selected >= 0)
+        selectionModel()->setCurrentIndex(model()->index(selected, 0),
+                                          QItemSelectionModel::NoUpdate);
+}
+
+void NoteListView::changeEvent(QEvent* event) {
+    QListView::changeEvent(event);
+    // The selection is drawn in the accent only while the window is active.
+    if (event->type() == QEvent::ActivationChange)
+        viewport()->update();
 }
 
 void NoteListView::resizeEvent(QResizeEvent* event) {

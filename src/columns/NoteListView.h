@@ -1,6 +1,11 @@
 #pragma once
 
 #include <QListView>
+#include <QPersistentModelIndex>
+
+#include <functional>
+
+class QDrag;
 
 namespace quillery {
 
@@ -9,6 +14,10 @@ namespace quillery {
 // empty list), and the keys that delete, edit, move between columns or type. The list lives in
 // the sideways-scrolling column row: mostly-horizontal wheel and touchpad motion belongs to the
 // row, so it is left for the enclosing scroll area; everything else scrolls the list itself.
+//
+// A click selects its row when the button is released, not when it is pressed: a press that
+// turns into a drag leaves the selection, and with it the columns opened to the right, as they
+// are, so the row can be dropped into any of them.
 class NoteListView : public QListView {
     Q_OBJECT
 
@@ -24,12 +33,23 @@ public:
     // True when the motion should scroll the row rather than this list.
     static bool isSidewaysMotion(QPoint delta);
 
+    // Runs a drag of a row and answers the action it ended with; by default the desktop's drag.
+    // Tests run the drag themselves, as the offscreen platform ends every drag at once.
+    using DragRunner = std::function<Qt::DropAction(QDrag& drag)>;
+    void setDragRunner(DragRunner runner) { m_dragRunner = std::move(runner); }
+
 signals:
     // The viewport's width changed; row heights depend on it.
     void widthChanged(int width);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
+    void changeEvent(QEvent* event) override;
     // Drops show and perform the action the column's model chooses: a move for notes, a copy
     // for pictures and addresses from elsewhere (so a file manager never deletes the source).
     void dragMoveEvent(QDragMoveEvent* event) override;
@@ -39,7 +59,12 @@ protected:
 
 private:
     void chooseDropAction(QDropEvent* event) const;
+    void dragRow(const QModelIndex& index);
 
+    DragRunner m_dragRunner;
+    // The row a left press went down on, until the release or the drag it turns into.
+    QPersistentModelIndex m_pressedRow;
+    QPoint m_pressPosition;
     int m_lastWidth = -1;
     bool m_dropAccepted = false;
 };

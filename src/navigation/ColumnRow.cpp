@@ -4,6 +4,7 @@
 #include "columns/PicturePanel.h"
 #include "columns/QtPicture.h"
 #include "document/Document.h"
+#include "navigation/RevealNote.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -174,6 +175,8 @@ QWidget* ColumnRow::makeColumn(const NodePtr& node, int depth) {
     connect(column, &NoteColumn::editorRequested, this,
             [this, column](QWidget* editor) { showPanel(editor, column->depth() + 1); });
     connect(column, &NoteColumn::editorDone, this, &ColumnRow::closePanel);
+    connect(column, &NoteColumn::noteDropped, this,
+            [this](const NodePtr& note) { revealNote(*this, *note); });
     column->hide();
     return column;
 }

@@ -1,4 +1,4 @@
-#include "app/RevealNote.h"
+#include "navigation/RevealNote.h"
 
 #include "columns/NoteColumn.h"
 #include "navigation/ColumnRow.h"

@@ -6,6 +6,7 @@
 #include "columns/PicturePanel.h"
 #include "columns/QtPicture.h"
 
+#include <QDrag>
 #include <QPointer>
 
 namespace quillery {
@@ -91,6 +92,40 @@ TEST_F(ColumnRowTest, SpaceOnAPictureNoteOpensThePicturePanelWithTheFocus) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return panel->isAncestorOf(QApplication::focusWidget()); }));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     EXPECT_EQ(row.panel(), nullptr);
+}
+
+// A click selects on release; a press that turns into a drag leaves the selection and the columns
+// right of it as they are, so the row can go into the deepest of them, where it is then selected.
+TEST_F(ColumnRowTest, ARowDraggedToTheRightDropsIntoADeeperColumnAndIsSelectedThere) {
+    openFourColumns();
+    NoteListView* list = row.column(0)->listView();
+    const QPoint a = list->visualRect(list->model()->index(0, 0)).center();
+    QTest::mousePress(list->viewport(), Qt::LeftButton, {}, a);
+    EXPECT_EQ(shown(), "root b b2 b2x") << "a press alone selects nothing";
+    std::string openWhileDragging;
+    list->setDragRunner([&](QDrag& drag) {
+        openWhileDragging = shown();
+        QWidget* deepest = row.column(3)->listView()->viewport();
+        const QPoint at(20, 20);
+        QDragEnterEvent enter(at, Qt::MoveAction, drag.mimeData(), Qt::LeftButton, {});
+        QApplication::sendEvent(deepest, &enter);
+        QDragMoveEvent move(at, Qt::MoveAction, drag.mimeData(), Qt::LeftButton, {});
+        QApplication::sendEvent(deepest, &move);
+        QDropEvent drop(at, Qt::MoveAction, drag.mimeData(), Qt::LeftButton, {});
+        QApplication::sendEvent(deepest, &drop);
+        return drop.isAccepted() ? drop.dropAction() : Qt::IgnoreAction;
+    });
+    for (int step = 1; step <= 4; ++step)
+        QTest::mouseMove(list->viewport(), a + QPoint(8 * step, 2 * step));
+    EXPECT_EQ(openWhileDragging, "root b b2 b2x");
+    EXPECT_EQ(notes["a"]->parentNode(), notes["b2x"].get());
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return row.column(3) && row.column(3)->selectedNode() == notes["a"] && hasFocus(3);
+    }));
+
+    const QPoint c = list->visualRect(list->model()->index(1, 0)).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, c);
+    EXPECT_EQ(shown(), "root c");
 }
 
 TEST_F(ColumnRowTest, ASecondPanelIsRefusedAndDeleted) {
