@@ -31,6 +31,8 @@ public:
     void draw(QPainter& painter, QPointF position) const;
     // Whether some of the note did not fit the box, so that the row shows only its beginning.
     bool isCut() const { return m_cut; }
+    // The lines and formats, once laid out.
+    const QTextLayout& textLayout() const { return m_layout; }
     // The heights of the first and the last line shown.
     qreal firstLineHeight() const { return m_firstLineHeight; }
     qreal lastLineHeight() const { return m_lastLineHeight; }
