@@ -22,7 +22,33 @@ public slots:
     void open(const QUrl& url) { openedUrls().push_back(url); }
 };
 
+const QStringList& schemes() {
+    static const QStringList all{QStringLiteral("file"), QStringLiteral("http"),
+                                 QStringLiteral("https"), QStringLiteral("mailto")};
+    return all;
+}
+
+void takeUrls(bool take) {
+    static UrlRecorder desktop;
+    for (const QString& scheme : schemes()) {
+        if (take)
+            QDesktopServices::setUrlHandler(scheme, &desktop, "open");
+        else
+            QDesktopServices::unsetUrlHandler(scheme);
+    }
+}
+
 } // namespace
+
+// The offscreen platform opens nothing itself: without the handlers every openUrl fails.
+NoProgramOpensUrls::NoProgramOpensUrls() {
+    takeUrls(false);
+}
+
+NoProgramOpensUrls::~NoProgramOpensUrls() {
+    takeUrls(true);
+}
+
 } // namespace quillery::testing
 
 // The widget tests' entry point: one QApplication for the whole run, on the "offscreen" platform.
@@ -41,15 +67,10 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("QuilleryTests"));
     QApplication::setApplicationName(QStringLiteral("QuilleryTests"));
-    const QStringList schemes{QStringLiteral("file"), QStringLiteral("http"),
-                              QStringLiteral("https"), QStringLiteral("mailto")};
-    quillery::testing::UrlRecorder desktop;
-    for (const QString& scheme : schemes)
-        QDesktopServices::setUrlHandler(scheme, &desktop, "open");
+    quillery::testing::takeUrls(true);
     testing::InitGoogleTest(&argc, argv);
     const int failed = RUN_ALL_TESTS();
-    for (const QString& scheme : schemes)
-        QDesktopServices::unsetUrlHandler(scheme);
+    quillery::testing::takeUrls(false);
     return failed;
 }
 

@@ -3,7 +3,6 @@
 #include "app/AppInfo.h"
 
 #include <QApplication>
-#include <QDesktopServices>
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QLabel>
@@ -77,6 +76,12 @@ AboutDialog::AboutDialog(QWidget* parent)
     layout->addWidget(m_socialLinkButton, 0, Qt::AlignHCenter);
     layout->addWidget(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
+    // A window manager cuts a title longer than the window can show beside its buttons; its
+    // title font is often bold.
+    QFont titleFont = font();
+    titleFont.setBold(true);
+    layout->addStrut(QFontMetrics(titleFont).horizontalAdvance(windowTitle()) +
+                     4 * style()->pixelMetric(QStyle::PM_TitleBarHeight));
 
     connect(m_siteLinkButton, &QPushButton::clicked, this, &AboutDialog::openSite);
     connect(m_socialLinkButton, &QPushButton::clicked, this, &AboutDialog::openSocialPage);
@@ -84,11 +89,11 @@ AboutDialog::AboutDialog(QWidget* parent)
 }
 
 void AboutDialog::openSite() {
-    QDesktopServices::openUrl(AppInfo::siteUrl());
+    emit addressChosen(AppInfo::siteUrl());
 }
 
 void AboutDialog::openSocialPage() {
-    QDesktopServices::openUrl(AppInfo::socialUrl());
+    emit addressChosen(AppInfo::socialUrl());
 }
 
 void AboutDialog::styleLinks() {

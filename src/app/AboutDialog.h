@@ -8,7 +8,7 @@ class QPushButton;
 namespace quillery {
 
 // The About panel: the version line, the product's site and the maker's social-network handle,
-// both as links that open in the default browser.
+// both as links. It is wide enough for its whole title in a window manager's title bar.
 class AboutDialog : public QDialog {
     Q_OBJECT
 
@@ -17,6 +17,10 @@ public:
 
     void openSite();
     void openSocialPage();
+
+signals:
+    // A link was chosen; the receiver opens the address.
+    void addressChosen(const QUrl& address);
 
 protected:
     void changeEvent(QEvent* event) override;

@@ -10,6 +10,7 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QIcon>
+#include <QWidget>
 
 // quillery [PACKAGE…]: opens each notebook package in its own window. Without packages it brings
 // back the notebooks open when it last ended, or a new untitled notebook when there are none.
@@ -58,6 +59,10 @@ int main(int argc, char* argv[]) {
     quillery::AppCommands appCommands;
     QObject::connect(&appCommands, &quillery::AppCommands::newNotebookRequested, &controller,
                      &quillery::DocumentController::newDocument);
+    QObject::connect(&appCommands, &quillery::AppCommands::addressNotOpened, &controller,
+                     [&prompts](QWidget* parent, const QString& text, const QString& details) {
+                         prompts.warn(parent, text, details);
+                     });
     controller.setAppCommands(&appCommands);
     QObject::connect(&instance, &quillery::SingleInstance::argumentsReceived, &controller,
                      &quillery::DocumentController::openForAnotherStart);

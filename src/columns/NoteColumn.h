@@ -56,7 +56,9 @@ public:
     // The Note menu's commands; they act on this column.
     void addNote();
     void addNoteBeneath();
-    // The editor for a text note; a picture note opens in the desktop's picture viewer.
+    // The editor for a text note; a picture note opens in the desktop's picture viewer (or,
+    // while the notebook has never been saved, as a preview), and a picture whose file is gone
+    // or that no viewer took is reported.
     void editSelectedNote();
     // Deletes the selected note, asking first unless it is empty.
     void deleteSelectedNote();

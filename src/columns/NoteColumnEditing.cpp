@@ -10,6 +10,7 @@
 
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QTimer>
 #include <QUrl>
@@ -42,11 +43,22 @@ void NoteColumn::editSelectedNote() {
         showEditor(node);
         return;
     }
-    const auto file = m_document ? m_document->url(*node->imageIdentifier()) : std::nullopt;
-    if (file)
-        QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file->string())));
-    else if (m_prompts.reportMissingPicture)
-        m_prompts.reportMissingPicture(this);
+    if (!m_document)
+        return;
+    // A picture of a notebook never saved has no file yet: the notebook's own copy is shown.
+    if (!m_document->fileLocation()) {
+        emit picturePreviewRequested(node);
+        return;
+    }
+    const auto file = m_document->url(*node->imageIdentifier());
+    const QString path = file ? QString::fromStdString(file->string()) : QString();
+    std::optional<PictureProblem> problem;
+    if (path.isEmpty() || !QFileInfo(path).isFile())
+        problem = PictureProblem::FileMissing;
+    else if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+        problem = PictureProblem::NoViewer;
+    if (problem && m_prompts.reportPictureProblem)
+        m_prompts.reportPictureProblem(this, *problem);
 }
 
 void NoteColumn::deleteSelectedNote() {
@@ -56,7 +68,7 @@ void NoteColumn::deleteSelectedNote() {
     const NodePtr node = m_model->nodeAt(row);
     if (!node || !m_document)
         return;
-    if (!node->isEmpty() && m_prompts.confirmDelete && !m_prompts.confirmDelete(this))
+    if (!node->isEmpty() && m_prompts.confirmDelete && !m_prompts.confirmDelete(this, *node))
         return;
     m_document->userDidDelete(*node);
 }

@@ -93,12 +93,12 @@ protected:
         made->setParentNote(node);
         made->setDepth(depth);
         ColumnPrompts answers;
-        answers.confirmDelete = [this](QWidget*) {
+        answers.confirmDelete = [this](QWidget*, const NotebookNode&) {
             ++confirmations;
             return confirmAnswer;
         };
-        answers.reportMissingPicture = [this](QWidget*) {
-            ++missingPictureReports;
+        answers.reportPictureProblem = [this](QWidget*, PictureProblem problem) {
+            pictureProblems.push_back(problem);
         };
         made->setPrompts(std::move(answers));
         made->resize(320, 480);
@@ -146,7 +146,7 @@ protected:
     std::unique_ptr<NoteColumn> column;
     bool confirmAnswer = true;
     int confirmations = 0;
-    int missingPictureReports = 0;
+    std::vector<PictureProblem> pictureProblems;
 };
 
 } // namespace quillery::testing

@@ -1,9 +1,13 @@
 #include "ColumnTestSupport.h"
 
 #include <QAction>
+#include <QDir>
+#include <QFile>
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
+
+#include <optional>
 
 namespace quillery::testing {
 namespace {
@@ -85,12 +89,15 @@ TEST_F(NoteColumnTest, TakingTheFocusSelectsTheFirstRowOrTheButtonOfAnEmptyColum
 }
 
 // Return, a double-click and Space on a note: text opens in the editor, a picture in the
-// desktop's viewer (or a report that its file is missing); Space previews a picture.
-enum class Shown { Editor, Viewer, MissingFile, Preview, Nothing };
+// desktop's viewer, or a report says why it did not; Space previews a picture, and so does Return
+// while the notebook has no file to hand the viewer.
+enum class Shown { Editor, Viewer, MissingFile, NoViewer, Preview, Nothing };
 
 struct OpenCase {
     const char* name;
-    const char* note; // "text", "picture" or "unsaved picture" (one without a file)
+    // "text", "picture", "unsaved picture" (of a notebook never saved), "missing picture" (its
+    // file gone) or "unviewable picture" (no program opens it)
+    const char* note;
     const char* gesture;
     Shown shown;
 
@@ -106,10 +113,18 @@ TEST_P(OpeningNotes, ShowsTheNoteAsItsKindWants) {
     const OpenCase& test = GetParam();
     const std::string kind = test.note;
     NodePtr note = kind == "text" ? add(parent, "text") : addPicture(parent, {4, 2});
-    if (kind == "picture") {
+    if (kind != "text" && kind != "unsaved picture") {
         document.setFileLocation(package.path().toStdString());
         document.images().indexStoredPicture(*note->imageIdentifier(), nullptr, "picture.png");
     }
+    if (kind == "picture" || kind == "unviewable picture") {
+        QDir(package.path()).mkdir(QStringLiteral("images"));
+        QFile picture(package.filePath(QStringLiteral("images/picture.png")));
+        ASSERT_TRUE(picture.open(QIODevice::WriteOnly));
+    }
+    std::optional<NoProgramOpensUrls> noViewer;
+    if (kind == "unviewable picture")
+        noViewer.emplace();
     open(parent);
     if (std::string(test.gesture) == "double-click") {
         // As from the window system: a press and release before the double-click.
@@ -123,7 +138,12 @@ TEST_P(OpeningNotes, ShowsTheNoteAsItsKindWants) {
     EXPECT_EQ(editor() ? editor()->note() : nullptr, test.shown == Shown::Editor ? note : nullptr);
     const QUrl file = QUrl::fromLocalFile(package.filePath(QStringLiteral("images/picture.png")));
     EXPECT_EQ(openedUrls(), test.shown == Shown::Viewer ? std::vector{file} : std::vector<QUrl>());
-    EXPECT_EQ(missingPictureReports, test.shown == Shown::MissingFile ? 1 : 0);
+    std::vector<PictureProblem> problems;
+    if (test.shown == Shown::MissingFile)
+        problems.push_back(PictureProblem::FileMissing);
+    if (test.shown == Shown::NoViewer)
+        problems.push_back(PictureProblem::NoViewer);
+    EXPECT_EQ(pictureProblems, problems);
     EXPECT_EQ(heard->previewed,
               test.shown == Shown::Preview ? std::vector{note} : std::vector<NodePtr>());
 }
@@ -136,7 +156,10 @@ INSTANTIATE_TEST_SUITE_P(
         OpenCase{"SpaceIgnoresText", "text", "Space", Shown::Nothing},
         OpenCase{"ReturnOpensAPicture", "picture", "Return", Shown::Viewer},
         OpenCase{"DoubleClickOpensAPicture", "picture", "double-click", Shown::Viewer},
-        OpenCase{"ReturnReportsAMissingFile", "unsaved picture", "Return", Shown::MissingFile},
+        OpenCase{"ReturnPreviewsAPictureNotSavedYet", "unsaved picture", "Return", Shown::Preview},
+        OpenCase{"ReturnReportsAMissingFile", "missing picture", "Return", Shown::MissingFile},
+        OpenCase{"ReturnReportsThatNoViewerTookIt", "unviewable picture", "Return",
+                 Shown::NoViewer},
         OpenCase{"SpacePreviewsAPicture", "picture", "Space", Shown::Preview}),
     [](const auto& testCase) { return std::string(testCase.param.name); });
 
@@ -176,6 +199,39 @@ INSTANTIATE_TEST_SUITE_P(
                       DeleteCase{"AnEmptyNoteWithoutAsking", 1, "Del", false, 0, "a, c"},
                       DeleteCase{"NothingWithoutASelection", -1, "Del", true, 0, "a, , c"}),
     [](const auto& testCase) { return std::string(testCase.param.name); });
+
+// The question before a delete names the note by its first line and counts what goes with it.
+struct QuestionCase {
+    const char* text;
+    int children;
+    int grandchildren; // under the first child
+    const char* question;
+
+    friend void PrintTo(const QuestionCase& c, std::ostream* out) { *out << c.question; }
+};
+
+class DeleteQuestion : public NoteColumnTest, public ::testing::WithParamInterface<QuestionCase> {};
+
+TEST_P(DeleteQuestion, NamesTheNoteAndCountsItsNotes) {
+    const NodePtr note = add(parent, GetParam().text);
+    for (int child = 0; child < GetParam().children; ++child)
+        add(note, "child");
+    for (int grandchild = 0; grandchild < GetParam().grandchildren; ++grandchild)
+        add(note->children().front(), "grandchild");
+    EXPECT_EQ(deleteQuestion(*note).toStdString(), GetParam().question);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Notes, DeleteQuestion,
+    ::testing::Values(QuestionCase{"## Packing list\nfor the trip", 2, 1,
+                                   "Delete “Packing list” and its 3 notes?"},
+                      QuestionCase{"**Passport**", 0, 0, "Delete “Passport”?"},
+                      QuestionCase{"Socks", 1, 0, "Delete “Socks” and the note in it?"},
+                      QuestionCase{"", 0, 0, "Delete this note?"},
+                      QuestionCase{
+                          "A very long first line that goes on and on past forty characters", 0, 0,
+                          "Delete “A very long first line that goes on and…”?"}),
+    [](const auto& testCase) { return "Question" + std::to_string(testCase.index); });
 
 // Adding to a column of a, b, c: the new note waits among the children, unrecorded, until its
 // editor is done, and is then recorded with its text, an empty one too.
