@@ -1,6 +1,7 @@
 #include "app/DialogPrompts.h"
 
 #include "app/PackageFileDialog.h"
+#include "columns/ExecDialog.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -41,7 +42,9 @@ void DialogPrompts::warn(QWidget* parent, const QString& text, const QString& de
     QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(), text,
                     QMessageBox::Ok, parent);
     box.setInformativeText(details);
-    box.exec();
+    // Names of files and addresses can be copied from it.
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    execDialog(box);
 }
 
 DocumentPrompts::SaveChoice DialogPrompts::askToSaveChanges(QWidget* parent,
@@ -52,7 +55,7 @@ DocumentPrompts::SaveChoice DialogPrompts::askToSaveChanges(QWidget* parent,
     box.setInformativeText(tr("If you don't save, your changes will be lost."));
     box.button(QMessageBox::Discard)->setText(tr("Close &Without Saving"));
     box.setDefaultButton(QMessageBox::Save);
-    switch (box.exec()) {
+    switch (execDialog(box)) {
     case QMessageBox::Save:
         return SaveChoice::Save;
     case QMessageBox::Discard:
@@ -69,13 +72,14 @@ bool DialogPrompts::confirmRevert(QWidget* parent, const QString& documentName) 
     box.setInformativeText(tr("Changes made since then will be lost, and can't be undone."));
     box.addButton(tr("&Revert"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
-    box.exec();
+    execDialog(box);
     return box.buttonRole(box.clickedButton()) == QMessageBox::DestructiveRole;
 }
 
-std::optional<std::filesystem::path> DialogPrompts::chooseDocumentToOpen(QWidget* parent) {
-    PackageFileDialog dialog(parent, QFileDialog::AcceptOpen, startDirectory());
-    const bool accepted = dialog.exec() == QDialog::Accepted;
+std::optional<std::filesystem::path> DialogPrompts::chooseDocumentToOpen(QWidget* parent,
+                                                                         const QString& folder) {
+    PackageFileDialog dialog(parent, QFileDialog::AcceptOpen, startDirectory(folder));
+    const bool accepted = execDialog(dialog) == QDialog::Accepted;
     m_lastDirectory = dialog.directory().absolutePath();
     if (!accepted || !dialog.chosenPackage())
         return std::nullopt;
@@ -84,11 +88,12 @@ std::optional<std::filesystem::path> DialogPrompts::chooseDocumentToOpen(QWidget
     return dialog.chosenPackage();
 }
 
-std::optional<std::filesystem::path>
-DialogPrompts::chooseSaveLocation(QWidget* parent, const QString& suggestedName) {
-    PackageFileDialog dialog(parent, QFileDialog::AcceptSave, startDirectory());
+std::optional<std::filesystem::path> DialogPrompts::chooseSaveLocation(QWidget* parent,
+                                                                       const QString& suggestedName,
+                                                                       const QString& folder) {
+    PackageFileDialog dialog(parent, QFileDialog::AcceptSave, startDirectory(folder));
     dialog.selectFile(PackageFileDialog::withPackageSuffix(suggestedName));
-    const bool accepted = dialog.exec() == QDialog::Accepted;
+    const bool accepted = execDialog(dialog) == QDialog::Accepted;
     m_lastDirectory = dialog.directory().absolutePath();
     if (!accepted)
         return std::nullopt;
@@ -96,13 +101,13 @@ DialogPrompts::chooseSaveLocation(QWidget* parent, const QString& suggestedName)
 }
 
 std::optional<std::filesystem::path> DialogPrompts::chooseOutlineToImport(QWidget* parent) {
-    QFileDialog dialog(parent, tr("Import"), startDirectory());
+    QFileDialog dialog(parent, tr("Import"), startDirectory(QString()));
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setNameFilters({tr("Outlines (*.opml *.xml *.md *.markdown *.txt *.text)"),
                            tr("OPML (*.opml *.xml)"), tr("Markdown (*.md *.markdown)"),
                            tr("Text (*.txt *.text)"), tr("All files (*)")});
-    const bool accepted = dialog.exec() == QDialog::Accepted;
+    const bool accepted = execDialog(dialog) == QDialog::Accepted;
     m_lastDirectory = dialog.directory().absolutePath();
     if (!accepted || dialog.selectedFiles().isEmpty())
         return std::nullopt;
@@ -111,7 +116,7 @@ std::optional<std::filesystem::path> DialogPrompts::chooseOutlineToImport(QWidge
 
 std::optional<DocumentPrompts::ExportTarget>
 DialogPrompts::chooseExportLocation(QWidget* parent, const QString& suggestedName) {
-    QFileDialog dialog(parent, tr("Export"), startDirectory());
+    QFileDialog dialog(parent, tr("Export"), startDirectory(QString()));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     QStringList filters;
     for (const ExportFilter& filter : kExportFilters)
@@ -125,7 +130,7 @@ DialogPrompts::chooseExportLocation(QWidget* parent, const QString& suggestedNam
                 dialog.setDefaultSuffix(QString::fromLatin1(kExportFilters[index].extension));
         });
     dialog.selectFile(suggestedName);
-    const bool accepted = dialog.exec() == QDialog::Accepted;
+    const bool accepted = execDialog(dialog) == QDialog::Accepted;
     m_lastDirectory = dialog.directory().absolutePath();
     if (!accepted || dialog.selectedFiles().isEmpty())
         return std::nullopt;
@@ -138,9 +143,11 @@ DialogPrompts::chooseExportLocation(QWidget* parent, const QString& suggestedNam
     return ExportTarget{file.toStdString(), filter.format};
 }
 
-QString DialogPrompts::startDirectory() const {
-    if (!m_lastDirectory.isEmpty() && QFileInfo(m_lastDirectory).isDir())
-        return m_lastDirectory;
+QString DialogPrompts::startDirectory(const QString& folder) const {
+    for (const QString& candidate : {folder, m_lastDirectory}) {
+        if (!candidate.isEmpty() && QFileInfo(candidate).isDir())
+            return candidate;
+    }
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     return QFileInfo(documents).isDir() ? documents : QDir::homePath();
 }

@@ -2,6 +2,7 @@
 
 #include "app/DocumentPrompts.h"
 #include "app/DocumentWindow.h"
+#include "app/StorageErrorText.h"
 #include "document/Document.h"
 #include "storage/NotebookPackage.h"
 
@@ -64,12 +65,12 @@ DocumentController::readDocument(const std::filesystem::path& location) const {
     std::error_code error;
     const QString name = qtPath(location.filename());
     if (!std::filesystem::exists(location, error)) {
-        return {nullptr,
-                StorageError{"quillery.app", 1, tr("“%1” doesn't exist.").arg(name).toStdString()}};
+        return {nullptr, StorageError{std::string(app_errors::kDomain), app_errors::kNoSuchNotebook,
+                                      tr("“%1” doesn't exist.").arg(name).toStdString()}};
     }
     if (!std::filesystem::is_directory(location, error)) {
         return {nullptr,
-                StorageError{"quillery.app", 2,
+                StorageError{std::string(app_errors::kDomain), app_errors::kNotANotebook,
                              tr("“%1” is not a Quillery notebook.").arg(name).toStdString()}};
     }
     auto document = makeDocument();
@@ -98,11 +99,10 @@ DocumentWindow* DocumentController::openDocument(const std::filesystem::path& lo
     }
     ReadResult result = readDocument(package);
     if (!result.document) {
-        m_prompts.warn(
-            dialogParent,
-            tr("The notebook “%1” could not be opened.")
-                .arg(QFileInfo(qtPath(package)).completeBaseName()),
-            QString::fromStdString(result.error ? result.error->message : std::string()));
+        m_prompts.warn(dialogParent,
+                       tr("The notebook “%1” could not be opened.")
+                           .arg(QFileInfo(qtPath(package)).completeBaseName()),
+                       result.error ? storageErrorDetails(*result.error, false) : QString());
         return nullptr;
     }
     m_recentDocuments.note(qtPath(package));
@@ -120,8 +120,13 @@ DocumentWindow* DocumentController::openDocument(const std::filesystem::path& lo
 }
 
 void DocumentController::openWithDialog(QWidget* dialogParent) {
-    if (auto location = m_prompts.chooseDocumentToOpen(dialogParent))
+    if (auto location = m_prompts.chooseDocumentToOpen(dialogParent, lastNotebookFolder()))
         openDocument(*location, dialogParent);
+}
+
+QString DocumentController::lastNotebookFolder() const {
+    const QStringList recent = m_recentDocuments.paths();
+    return recent.isEmpty() ? QString() : QFileInfo(recent.first()).absolutePath();
 }
 
 void DocumentController::openForAnotherStart(const QStringList& packages) {

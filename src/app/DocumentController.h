@@ -42,7 +42,10 @@ public:
     // read shows a warning with the reason and opens nothing (null).
     DocumentWindow* openDocument(const std::filesystem::path& location,
                                  QWidget* dialogParent = nullptr);
+    // File > Open, starting in the folder of the last notebook opened.
     void openWithDialog(QWidget* dialogParent);
+    // The folder of the notebook opened last, or empty.
+    QString lastNotebookFolder() const;
     // What a later start of the app asks for: each package given opens or comes forward; with
     // none, the last window opened comes forward (a new notebook when there is none).
     void openForAnotherStart(const QStringList& packages);

@@ -23,11 +23,14 @@ public:
     // Asked before a changed notebook that has no location (or could not be saved) closes.
     virtual SaveChoice askToSaveChanges(QWidget* parent, const QString& documentName) = 0;
     virtual bool confirmRevert(QWidget* parent, const QString& documentName) = 0;
-    // A notebook package to open, or nothing when the user cancelled.
-    virtual std::optional<std::filesystem::path> chooseDocumentToOpen(QWidget* parent) = 0;
-    // A new package location ending in ".quillery", or nothing when the user cancelled.
+    // A notebook package to open, or nothing when the user cancelled. The dialog starts in the
+    // folder given (where the last notebook opened lies), or where it was last if none is.
+    virtual std::optional<std::filesystem::path> chooseDocumentToOpen(QWidget* parent,
+                                                                      const QString& folder) = 0;
+    // A new package location ending in ".quillery", or nothing when the user cancelled; the
+    // dialog starts in the folder as above.
     virtual std::optional<std::filesystem::path>
-    chooseSaveLocation(QWidget* parent, const QString& suggestedName) = 0;
+    chooseSaveLocation(QWidget* parent, const QString& suggestedName, const QString& folder) = 0;
     // An outline file to import (OPML, markdown or indented text), or nothing when the user
     // cancelled.
     virtual std::optional<std::filesystem::path> chooseOutlineToImport(QWidget* parent) = 0;

@@ -6,9 +6,11 @@
 #include "app/DocumentPrompts.h"
 #include "app/FindBar.h"
 #include "app/LiveMerge.h"
+#include "app/MenuBarFocus.h"
 #include "app/MessageBar.h"
 #include "app/NoteCommands.h"
 #include "app/OutlineFileCommands.h"
+#include "app/StorageErrorText.h"
 #include "columns/NoteColumn.h"
 #include "columns/NoteEditorPanel.h"
 #include "document/UndoManager.h"
@@ -23,6 +25,7 @@
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QMenu>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
@@ -32,10 +35,6 @@ namespace {
 
 QString qtPath(const std::filesystem::path& path) {
     return QString::fromStdString(path.string());
-}
-
-QString errorText(const StorageError& error) {
-    return QString::fromStdString(error.message);
 }
 
 } // namespace
@@ -54,6 +53,7 @@ DocumentWindow::DocumentWindow(DocumentController& controller, std::unique_ptr<D
     m_autosaveTimer.setInterval(kAutosaveDelayMs);
     connect(&m_autosaveTimer, &QTimer::timeout, this, &DocumentWindow::autosave);
     connectActions();
+    new MenuBarFocus(*menuBar());
     attachDocument();
     auto* central = new QWidget(this);
     m_contentLayout = new QVBoxLayout(central);
@@ -102,14 +102,18 @@ bool DocumentWindow::save() {
 }
 
 bool DocumentWindow::saveAs() {
-    const auto location = m_controller.prompts().chooseSaveLocation(this, displayName());
+    // Beside the notebook when it has a place, else where the last notebook opened lies.
+    const auto& current = m_document->fileLocation();
+    const QString folder =
+        current ? QFileInfo(qtPath(*current)).absolutePath() : m_controller.lastNotebookFolder();
+    const auto location = m_controller.prompts().chooseSaveLocation(this, displayName(), folder);
     if (!location)
         return false;
     m_autosaveTimer.stop();
     if (auto error = package::saveTo(*m_document, *location)) {
         m_controller.prompts().warn(
             this, tr("The notebook could not be saved as “%1”.").arg(qtPath(location->filename())),
-            errorText(*error));
+            storageErrorDetails(*error, true));
         return false;
     }
     m_document->markSaved();
@@ -134,7 +138,7 @@ void DocumentWindow::revert() {
     if (!result.document) {
         m_controller.prompts().warn(
             this, tr("The notebook “%1” could not be read again.").arg(displayName()),
-            result.error ? errorText(*result.error) : QString());
+            result.error ? storageErrorDetails(*result.error, false) : QString());
         return;
     }
     m_autosaveTimer.stop();
@@ -193,11 +197,11 @@ void DocumentWindow::connectActions() {
     connect(m_actions.quit, &QAction::triggered, &m_controller, &DocumentController::quit);
     connect(m_actions.undo, &QAction::triggered, this, [this] {
         if (m_undoManager->canUndo())
-            m_undoManager->undo();
+            stepThroughHistory(&UndoManager::undo);
     });
     connect(m_actions.redo, &QAction::triggered, this, [this] {
         if (m_undoManager->canRedo())
-            m_undoManager->redo();
+            stepThroughHistory(&UndoManager::redo);
     });
     m_clipboardCommands = new ClipboardCommands(*this, m_actions);
     connect(qApp, &QApplication::focusChanged, this, &DocumentWindow::updateClipboardActions);
@@ -225,10 +229,11 @@ void DocumentWindow::connectActions() {
         action->setEnabled(app != nullptr);
     }
     if (app) {
-        connect(m_actions.help, &QAction::triggered, app, &AppCommands::showHelp);
-        connect(m_actions.sendFeedback, &QAction::triggered, app, &AppCommands::sendFeedback);
+        connect(m_actions.help, &QAction::triggered, app, [this, app] { app->showHelp(this); });
+        connect(m_actions.sendFeedback, &QAction::triggered, app,
+                [this, app] { app->sendFeedback(this); });
         connect(m_actions.followOnSocialNetwork, &QAction::triggered, app,
-                &AppCommands::followOnSocialNetwork);
+                [this, app] { app->followOnSocialNetwork(this); });
         connect(m_actions.about, &QAction::triggered, app, [this, app] { app->showAbout(this); });
     }
 }
@@ -239,8 +244,40 @@ void DocumentWindow::attachDocument() {
     m_observer = m_document->addObserver([this](const DocumentUpdate& update) {
         if (update.type == NodeUpdateType::reloadedTree)
             rebuildContent();
+        else if (m_historyChange)
+            *m_historyChange = update;
         documentChanged();
     });
+}
+
+void DocumentWindow::stepThroughHistory(void (UndoManager::*step)()) {
+    std::optional<DocumentUpdate> change;
+    m_historyChange = &change;
+    (m_undoManager.get()->*step)();
+    m_historyChange = nullptr;
+    if (change)
+        showChangedNote(*change);
+}
+
+void DocumentWindow::showChangedNote(const DocumentUpdate& change) {
+    ColumnRow& row = *columnRow();
+    if (revealNote(row, *change.node))
+        return;
+    // The note is gone (an addition undone) or among the deleted notes: show the place it left,
+    // the note that now stands there, or else its parent.
+    const Identifier& parentIdentifier =
+        change.oldParentIdentifier ? *change.oldParentIdentifier : change.node->parentIdentifier();
+    const NodePtr parent = m_document->notebookNode(parentIdentifier);
+    if (!parent)
+        return;
+    const auto& children = parent->children();
+    if (!children.empty()) {
+        const std::size_t index = std::min(change.oldChildIndex.value_or(0), children.size() - 1);
+        if (revealNote(row, *children[index]))
+            return;
+    }
+    if (parent == m_document->rootNode() || !revealNote(row, *parent))
+        row.focusColumn(0);
 }
 
 void DocumentWindow::detachDocument() {
@@ -285,10 +322,13 @@ void DocumentWindow::startLiveMerge() {
         return;
     m_liveMerge =
         std::make_unique<LiveMerge>(*m_document, m_controller.preferences(), m_controller.codec());
-    connect(m_liveMerge.get(), &LiveMerge::journalDamaged, this, [this](const QString& reason) {
+    connect(m_liveMerge.get(), &LiveMerge::journalDamaged, this, [this](QString reason) {
+        if (reason.endsWith(QLatin1Char('.')))
+            reason.chop(1);
         m_messageBar->showMessage(
-            tr("Changes another writer made to this notebook could not be read, so they are not "
-               "shown: %1")
+            tr("Changes made elsewhere are not shown yet, as a journal could not be read (%1). "
+               "They will show once it reads well again, for example when a sync tool has "
+               "finished copying it.")
                 .arg(reason));
     });
 }
@@ -346,7 +386,7 @@ bool DocumentWindow::saveInPlace() {
             m_autosaveFailed = true;
             m_controller.prompts().warn(
                 this, tr("The notebook “%1” could not be saved.").arg(displayName()),
-                errorText(*error));
+                storageErrorDetails(*error, true));
         }
         return false;
     }

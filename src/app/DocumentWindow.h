@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 class QVBoxLayout;
 
@@ -86,6 +87,9 @@ private:
     // Follows the package on disk from now on (or stops, when the notebook has no location).
     void startLiveMerge();
     void documentChanged();
+    // Undo or Redo, then the note the step changed selected, in view and with the keyboard.
+    void stepThroughHistory(void (UndoManager::*step)());
+    void showChangedNote(const DocumentUpdate& change);
     void updateTitle();
     void updateActions();
     void autosave();
@@ -103,6 +107,8 @@ private:
     std::unique_ptr<UndoManager> m_undoManager;
     std::unique_ptr<Document> m_document;
     Document::ObserverId m_observer = 0;
+    // While an undo or redo runs: the last change it made.
+    std::optional<DocumentUpdate>* m_historyChange = nullptr;
     QString m_untitledName;
     QVBoxLayout* m_contentLayout = nullptr;
     MessageBar* m_messageBar = nullptr;

@@ -1,8 +1,14 @@
 #include "app/PackageFileDialog.h"
 
+#include "columns/ExecDialog.h"
+
+#include <QAbstractItemView>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 
 namespace quillery {
 
@@ -26,10 +32,36 @@ PackageFileDialog::PackageFileDialog(QWidget* parent, AcceptMode mode,
         setWindowTitle(tr("Save Notebook"));
         setFileMode(QFileDialog::AnyFile);
         setLabelText(QFileDialog::FileName, tr("Notebook name:"));
+        setLabelText(QFileDialog::Accept, tr("&Save"));
     }
     setOption(QFileDialog::ShowDirsOnly);
+    setNameFilter(tr("Quillery notebooks (*.quillery)"));
     // Connected after the start directory is set: only the user's own moves count.
     connect(this, &QFileDialog::directoryEntered, this, &PackageFileDialog::enteredDirectory);
+    if (mode == AcceptSave)
+        keepSaveLabel();
+}
+
+void PackageFileDialog::keepSaveLabel() {
+    // Qt's dialog relabels its Save button "Open" while a folder is selected or named. Here Save
+    // goes into a plain folder too (see accept()), and keeps its name while it does. Connected
+    // after the dialog's own handlers of the same signals, so it has the last word.
+    const auto relabel = [this, label = labelText(QFileDialog::Accept)] {
+        if (auto* buttons = findChild<QDialogButtonBox*>()) {
+            for (QAbstractButton* button : buttons->buttons()) {
+                if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole)
+                    button->setText(label);
+            }
+        }
+    };
+    if (auto* name = findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
+        connect(name, &QLineEdit::textChanged, this, relabel);
+    for (auto* view : findChildren<QAbstractItemView*>()) {
+        if (view->selectionModel())
+            connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this, relabel);
+    }
+    connect(this, &QFileDialog::directoryEntered, this, relabel);
+    connect(this, &QFileDialog::currentChanged, this, relabel);
 }
 
 bool PackageFileDialog::isPackage(const QString& path) {
@@ -53,10 +85,12 @@ void PackageFileDialog::accept() {
         }
         path = withPackageSuffix(path);
         if (QFileInfo::exists(path)) {
-            QMessageBox::warning(this, tr("Save Notebook"),
-                                 tr("A notebook named “%1” already exists here. Choose another "
-                                    "name.")
-                                     .arg(QFileInfo(path).completeBaseName()));
+            QMessageBox box(QMessageBox::Warning, tr("Save Notebook"),
+                            tr("A notebook named “%1” already exists here.")
+                                .arg(QFileInfo(path).completeBaseName()),
+                            QMessageBox::Ok, this);
+            box.setInformativeText(tr("Choose another name, or another folder."));
+            execDialog(box);
             return;
         }
         choose(path);

@@ -16,7 +16,8 @@ namespace quillery {
 // - entering a package (double-click, Return, typing its path) chooses it instead of browsing it;
 // - Open/Save on an ordinary folder goes into that folder instead of choosing it.
 // For saving, the typed name gets ".quillery" appended, and an existing name is refused rather
-// than replaced, so a Save As never overwrites another notebook.
+// than replaced, so a Save As never overwrites another notebook. Both filter on "Quillery
+// notebooks (*.quillery)", and the Save button is always called Save.
 class PackageFileDialog : public QFileDialog {
     Q_OBJECT
 
@@ -34,6 +35,7 @@ public slots:
     void accept() override;
 
 private:
+    void keepSaveLabel();
     void enteredDirectory(const QString& directory);
     void choose(const QString& path);
 

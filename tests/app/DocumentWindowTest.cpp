@@ -3,12 +3,16 @@
 #include "app/AppCommands.h"
 #include "app/AppFixture.h"
 #include "columns/ColumnDropHandler.h"
+#include "columns/ExecDialog.h"
 #include "columns/NoteEditorPanel.h"
 
 #include <QClipboard>
+#include <QDialog>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QTimer>
 
 #include <map>
 
@@ -37,6 +41,70 @@ TEST_F(DocumentWindowTest, UndoAndRedoAreNamedAfterTheStepAndDriveTheDocument) {
     redo.trigger();
     EXPECT_EQ(texts(*window.document().rootNode()), std::vector<std::string>{"first"});
     EXPECT_FALSE(redo.isEnabled());
+}
+
+// Undo and Redo select the note they changed where it now stands, or what stands in its place
+// when it is gone, and give that column the keyboard.
+TEST_F(DocumentWindowTest, UndoAndRedoSelectTheNoteTheyChanged) {
+    DocumentWindow& window = *controller.newDocument();
+    addNote(window, "a");
+    const NodePtr b = addNote(window, "b");
+    const NodePtr b1 = addNote(window, "b1", b);
+    window.document().userDidMove(*b1, *window.document().rootNode());
+    focusFirstColumn(window);
+    ColumnRow& row = *window.columnRow();
+    struct Step {
+        const char* action;
+        int depth;
+        const char* selected;
+    };
+    for (const Step& step :
+         {Step{"actionUndo", 1, "b1"}, Step{"actionRedo", 0, "b1"}, Step{"actionUndo", 1, "b1"},
+          Step{"actionUndo", 0, "b"}, Step{"actionUndo", 0, "a"}}) {
+        action(window, step.action).trigger();
+        NoteColumn* column = row.column(step.depth);
+        ASSERT_NE(column, nullptr) << step.action << " " << step.selected;
+        EXPECT_EQ(column->selectedNode() ? column->selectedNode()->text() : "-", step.selected);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return column->listView()->hasFocus(); }))
+            << step.action << " " << step.selected;
+    }
+}
+
+// The accent the focused list draws its selection in, as on screen, at the selection's bar.
+QColor selectionShown(NoteListView& list) {
+    const QRect row = list.visualRect(list.model()->index(list.selectedRow(), 0));
+    return list.viewport()->grab().toImage().pixelColor(row.left() + 1, row.center().y());
+}
+
+// After a menu of the bar closes, and after a dialog, the column that had the keyboard has it
+// again and draws its selection as the one in use.
+TEST_F(DocumentWindowTest, TheColumnHasTheKeyboardAgainAfterAMenuOrADialog) {
+    DocumentWindow& window = *controller.newDocument();
+    addNote(window, "a");
+    focusFirstColumn(window);
+    NoteListView& list = *window.columnRow()->column(0)->listView();
+    const QColor accent = list.palette().color(QPalette::Active, QPalette::Highlight);
+    ASSERT_EQ(selectionShown(list), accent);
+    QMenuBar* bar = window.menuBar();
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(bar->actions()[1]).center());
+    ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::activePopupWidget() != nullptr; }));
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+    // What Qt does on X11 as the menu closes: the bar keeps the keyboard, for its titles.
+    window.activateWindow();
+    bar->setFocus(Qt::MenuBarFocusReason);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return list.hasFocus(); }));
+    EXPECT_EQ(selectionShown(list), accent);
+
+    QDialog dialog(&window);
+    QTimer::singleShot(0, &dialog, [&] {
+        // What a desktop may do as a dialog closes: leave no window active.
+        dialog.reject();
+        window.clearFocus();
+        list.clearFocus();
+    });
+    execDialog(dialog);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return list.hasFocus(); }));
+    EXPECT_EQ(selectionShown(list), accent);
 }
 
 TEST_F(DocumentWindowTest, HistoryAndNoteCommandsWaitWhileAPanelIsOpen) {

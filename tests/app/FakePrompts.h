@@ -27,10 +27,14 @@ public:
         ++revertQuestions;
         return revertAnswer;
     }
-    std::optional<std::filesystem::path> chooseDocumentToOpen(QWidget*) override {
+    std::optional<std::filesystem::path> chooseDocumentToOpen(QWidget*,
+                                                              const QString& folder) override {
+        startFolders.push_back(folder);
         return documentToOpen;
     }
-    std::optional<std::filesystem::path> chooseSaveLocation(QWidget*, const QString&) override {
+    std::optional<std::filesystem::path> chooseSaveLocation(QWidget*, const QString&,
+                                                            const QString& folder) override {
+        startFolders.push_back(folder);
         return saveLocation;
     }
     std::optional<std::filesystem::path> chooseOutlineToImport(QWidget*) override {
@@ -51,6 +55,8 @@ public:
     std::optional<std::filesystem::path> outlineToImport;
     std::optional<ExportTarget> exportTarget;
     std::vector<QString> exportNamesSuggested;
+    // Where each file dialog was asked to start.
+    std::vector<QString> startFolders;
 };
 
 } // namespace quillery

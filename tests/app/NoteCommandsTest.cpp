@@ -53,7 +53,7 @@ const KeyCase kKeyCases[] = {
     {"OutAfterItsParent", {kRight, kNext, kOut}, "A(a1) a2 B C", "a2", 0, "&Undo Move Note"},
     {"OutFromTheTopLevelStays", {kOut}, "A(a1 a2) B C", "A", 0, "&Undo"},
     {"OutAndInAgain", {kRight, kOut, kIn}, "A(a2 a1) B C", "a1", 1, "&Undo Move Note"},
-    {"UndoneAtOnce", {kNext, kIn, kUndo}, "A(a1 a2) B C", "a2", 1, "&Undo"},
+    {"UndoneAtOnceSelectingTheNoteBack", {kNext, kIn, kUndo}, "A(a1 a2) B C", "B", 0, "&Undo"},
 };
 
 class KeyCommands : public NoteCommandsTest, public ::testing::WithParamInterface<KeyCase> {};

@@ -2,8 +2,13 @@
 
 #include "QtPrinters.h"
 
+#include <QAbstractButton>
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QLineEdit>
+#include <QListView>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -57,6 +62,43 @@ TEST(PackageFileDialog, EnteringAPackageWhileOpeningChoosesIt) {
     emit dialog.directoryEntered(package);
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
     EXPECT_EQ(dialog.chosenPackage(), std::filesystem::path(package.toStdString()));
+}
+
+// Both dialogs offer notebooks by name and still show the folders to go through; a Save button
+// keeps its name whatever is selected.
+TEST(PackageFileDialog, FiltersOnNotebooksShowsFoldersAndSaysSave) {
+    const QTemporaryDir directory;
+    QDir(directory.path()).mkpath(QStringLiteral("Trip.quillery"));
+    QDir(directory.path()).mkpath(QStringLiteral("Folder"));
+    for (const QFileDialog::AcceptMode mode : {QFileDialog::AcceptOpen, QFileDialog::AcceptSave}) {
+        PackageFileDialog dialog(nullptr, mode, directory.path());
+        dialog.show();
+        EXPECT_EQ(dialog.nameFilters(),
+                  QStringList{QStringLiteral("Quillery notebooks (*.quillery)")});
+        auto* list = dialog.findChild<QListView*>(QStringLiteral("listView"));
+        ASSERT_NE(list, nullptr);
+        QStringList shown;
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            shown.clear();
+            const QModelIndex root = list->rootIndex();
+            for (int row = 0; row < list->model()->rowCount(root); ++row)
+                shown << list->model()->index(row, 0, root).data().toString();
+            shown.sort();
+            return shown.size() == 2;
+        }));
+        EXPECT_EQ(shown, (QStringList{QStringLiteral("Folder"), QStringLiteral("Trip.quillery")}));
+        if (mode == QFileDialog::AcceptOpen)
+            continue;
+        list->setCurrentIndex(list->model()->index(0, 0, list->rootIndex()));
+        dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+            ->setText(QStringLiteral("Folder"));
+        auto* buttons = dialog.findChild<QDialogButtonBox*>();
+        for (QAbstractButton* button : buttons->buttons()) {
+            if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole) {
+                EXPECT_EQ(button->text(), QStringLiteral("&Save"));
+            }
+        }
+    }
 }
 
 } // namespace

@@ -92,6 +92,7 @@ TEST_F(ColumnRowTest, SpaceOnAPictureNoteOpensThePicturePanelWithTheFocus) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return panel->isAncestorOf(QApplication::focusWidget()); }));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     EXPECT_EQ(row.panel(), nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return hasFocus(0); }));
 }
 
 // A click selects on release; a press that turns into a drag leaves the selection and the columns
