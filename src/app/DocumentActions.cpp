@@ -4,8 +4,11 @@
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QIcon>
 #include <QMainWindow>
 #include <QMenuBar>
+
+#include <utility>
 
 namespace quillery {
 
@@ -137,6 +140,36 @@ DocumentActions DocumentActions::create(QMainWindow& window) {
     help->addSeparator();
     actions.about = addAction(help, trMenu("&About Quillery"), QStringLiteral("actionAbout"));
     actions.about->setMenuRole(QAction::AboutRole);
+
+    // Icons from the desktop's icon theme where desktop apps show them; none without a theme.
+    const std::pair<QAction*, const char*> icons[] = {
+        {actions.newDocument, "document-new"},
+        {actions.open, "document-open"},
+        {actions.openRecent->menuAction(), "document-open-recent"},
+        {actions.save, "document-save"},
+        {actions.saveAs, "document-save-as"},
+        {actions.revert, "document-revert"},
+        {actions.close, "window-close"},
+        {actions.quit, "application-exit"},
+        {actions.undo, "edit-undo"},
+        {actions.redo, "edit-redo"},
+        {actions.cut, "edit-cut"},
+        {actions.copy, "edit-copy"},
+        {actions.paste, "edit-paste"},
+        {actions.find, "edit-find"},
+        {actions.deletedNotes, "user-trash"},
+        {actions.addNote, "list-add"},
+        {actions.deleteNote, "edit-delete"},
+        {actions.moveUp, "go-up"},
+        {actions.moveDown, "go-down"},
+        {actions.moveOut, "go-previous"},
+        {actions.moveIn, "go-next"},
+        {actions.help, "help-contents"},
+        {actions.sendFeedback, "mail-message-new"},
+        {actions.about, "help-about"},
+    };
+    for (const auto& [action, name] : icons)
+        action->setIcon(QIcon::fromTheme(QString::fromLatin1(name)));
     return actions;
 }
 

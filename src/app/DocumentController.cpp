@@ -8,6 +8,10 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QStyle>
+#include <QWidget>
 
 #include <algorithm>
 #include <iterator>
@@ -36,6 +40,33 @@ std::filesystem::path packageOf(const std::filesystem::path& location) {
 
 QString qtPath(const std::filesystem::path& path) {
     return QString::fromStdString(path.string());
+}
+
+// Shrinks and moves the window, not shown yet, so that it lies wholly on the screen it opens on
+// (a size kept from a larger screen, a first window on a small one), leaving room for the title
+// bar the window manager adds.
+void fitOnScreen(QWidget& window) {
+    const QScreen* screen = QGuiApplication::screenAt(window.geometry().center());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return;
+    const QRect available = screen->availableGeometry();
+    const int titleBar = window.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    const QSize size =
+        window.size().boundedTo(QSize(available.width(), available.height() - titleBar));
+    if (size != window.size())
+        window.resize(size);
+    // A window never placed is placed by the window manager.
+    if (!window.testAttribute(Qt::WA_Moved))
+        return;
+    const QRect place = window.geometry();
+    const int x = std::clamp(place.x(), available.left(), available.right() + 1 - size.width());
+    const int y =
+        std::clamp(place.y(), available.top() + titleBar,
+                   std::max(available.top() + titleBar, available.bottom() + 1 - size.height()));
+    if (x != place.x() || y != place.y())
+        window.move(x, y);
 }
 
 } // namespace
@@ -211,10 +242,11 @@ DocumentWindow* DocumentController::addWindow(std::unique_ptr<Document> document
 
 void DocumentController::placeWindow(DocumentWindow& window) const {
     const auto& location = window.document().fileLocation();
-    if (location && window.restoreGeometry(m_session.windowGeometry(qtPath(*location))))
-        return;
-    if (const QSize size = m_session.lastWindowSize(); size.isValid())
-        window.resize(size);
+    if (!location || !window.restoreGeometry(m_session.windowGeometry(qtPath(*location)))) {
+        if (const QSize size = m_session.lastWindowSize(); size.isValid())
+            window.resize(size);
+    }
+    fitOnScreen(window);
 }
 
 DocumentWindow* DocumentController::windowFor(const std::filesystem::path& location) const {

@@ -85,7 +85,8 @@ public:
 private:
     DocumentWindow* addWindow(std::unique_ptr<Document> document, const QString& untitledName);
     DocumentWindow* windowFor(const std::filesystem::path& location) const;
-    // At the notebook's own place when one is kept, else at the size of the last window closed.
+    // At the notebook's own place when one is kept, else at the size of the last window closed;
+    // in either case wholly on the screen it opens on.
     void placeWindow(DocumentWindow& window) const;
 
     Preferences& m_preferences;

@@ -23,7 +23,9 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileInfo>
+#include <QHash>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -35,6 +37,16 @@ namespace {
 
 QString qtPath(const std::filesystem::path& path) {
     return QString::fromStdString(path.string());
+}
+
+// A folder as people write it: the home folder as "~".
+QString shownFolder(const QString& folder) {
+    const QString home = QDir::homePath();
+    if (folder == home)
+        return QStringLiteral("~");
+    if (folder.startsWith(home + QLatin1Char('/')))
+        return QStringLiteral("~") + folder.mid(home.size());
+    return folder;
 }
 
 } // namespace
@@ -434,9 +446,19 @@ bool DocumentWindow::editorHoldsChange() const {
 void DocumentWindow::fillRecentMenu() {
     QMenu* menu = m_actions.openRecent;
     menu->clear();
+    // Each notebook's folder shows as its tooltip, and beside its name when the name repeats.
+    menu->setToolTipsVisible(true);
     const QStringList paths = m_controller.recentDocuments().paths();
+    QHash<QString, int> named;
+    for (const QString& path : paths)
+        ++named[QFileInfo(path).completeBaseName()];
     for (const QString& path : paths) {
-        QAction* action = menu->addAction(QFileInfo(path).completeBaseName());
+        const QFileInfo info(path);
+        QString text = info.completeBaseName();
+        if (named.value(text) > 1)
+            text +=
+                QStringLiteral(" — ") + QDir::toNativeSeparators(shownFolder(info.absolutePath()));
+        QAction* action = menu->addAction(text.replace(QLatin1Char('&'), QStringLiteral("&&")));
         action->setToolTip(path);
         action->setStatusTip(path);
         connect(action, &QAction::triggered, this, [this, path] {

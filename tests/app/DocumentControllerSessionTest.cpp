@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QPointer>
+#include <QScreen>
 #include <QTest>
 
 namespace quillery {
@@ -94,7 +95,8 @@ TEST_F(DocumentControllerSessionTest, ANotebookSavedUnderANewNameComesBackUnderI
               QStringList{QString::fromStdString(path("Draft.quillery").string())});
 }
 
-TEST_F(DocumentControllerSessionTest, ANotebookOpensWhereItsWindowWasAndNewWindowsTakeTheLastSize) {
+TEST_F(DocumentControllerSessionTest,
+       ANotebookOpensWhereItsWindowWasAndNewWindowsTakeTheLastSizeThatFitsTheScreen) {
     const auto trip = makePackage("Trip.quillery", {"Flights"});
     DocumentWindow* window = controller.openDocument(trip);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
@@ -104,10 +106,18 @@ TEST_F(DocumentControllerSessionTest, ANotebookOpensWhereItsWindowWasAndNewWindo
 
     DocumentWindow* reopened = controller.openDocument(trip);
     EXPECT_EQ(reopened->geometry(), place);
-    reopened->resize(900, 400);
+    reopened->resize(600, 400);
     reopened->close();
+    DocumentWindow* next = controller.newDocument();
+    EXPECT_EQ(next->size(), QSize(600, 400));
 
-    EXPECT_EQ(controller.newDocument()->size(), QSize(900, 400));
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    next->setGeometry(screen.x() + 100, screen.y() + 100, screen.width() * 2, screen.height() * 2);
+    next->close();
+    // A new window is placed by the window manager, the notebook's by its own place.
+    EXPECT_TRUE(screen.size().expandedTo(controller.newDocument()->size()) == screen.size());
+    reopened = controller.openDocument(trip);
+    EXPECT_TRUE(screen.contains(reopened->geometry()));
 }
 
 } // namespace

@@ -297,6 +297,21 @@ TEST_F(OpenRecentTest, ANotebookThatIsGoneIsNamedAndLeavesTheList) {
     EXPECT_EQ(entries(window).size(), 3);
 }
 
+TEST_F(OpenRecentTest, NamesThatRepeatShowTheirFoldersAndEveryEntryItsPath) {
+    std::filesystem::create_directories(path("work"));
+    const auto home = makePackage("Trip.quillery", {"Flights"});
+    const auto work = makePackage("work/Trip.quillery", {"Meetings"});
+    controller.openDocument(home);
+    DocumentWindow& window = *controller.openDocument(work);
+    const QString folder = QString::fromStdString(path("").string());
+    EXPECT_EQ(entries(window).mid(0, 2),
+              (QStringList{QStringLiteral("Trip — ") + folder + QStringLiteral("work"),
+                           QStringLiteral("Trip — ") + folder.chopped(1)}));
+    auto* menu = window.findChild<QMenu*>(QStringLiteral("menuOpenRecent"));
+    EXPECT_TRUE(menu->toolTipsVisible());
+    EXPECT_EQ(menu->actions().first()->toolTip(), QString::fromStdString(work.string()));
+}
+
 TEST_F(OpenRecentTest, ClearMenuEmptiesTheListForEveryWindow) {
     DocumentWindow& window = *controller.openDocument(makePackage("Trip.quillery", {"Flights"}));
     entries(window);
