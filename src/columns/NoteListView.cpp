@@ -1,7 +1,7 @@
 #include "columns/NoteListView.h"
 
 #include "columns/ColumnCommand.h"
-#include "columns/DropIndicatorStyle.h"
+#include "columns/ColumnListStyle.h"
 #include "columns/NodeListModel.h"
 
 #include <QApplication>
@@ -9,8 +9,8 @@
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPointer>
 #include <QResizeEvent>
+#include <QScrollBar>
 #include <QWheelEvent>
 
 #include <cstdlib>
@@ -35,9 +35,12 @@ NoteListView::NoteListView(QWidget* parent)
     setDragEnabled(true);
     setAcceptDrops(true);
     setDropIndicatorShown(true);
-    auto* style = new DropIndicatorStyle;
+    auto* style = new ColumnListStyle;
     style->setParent(this);
     setStyle(style);
+    // A widget's style reaches none of its children; the scroll bar lies over the rows only when
+    // its own style says so.
+    verticalScrollBar()->setStyle(style);
     setDragDropMode(QAbstractItemView::DragDrop);
     setDefaultDropAction(Qt::MoveAction);
 }
@@ -90,7 +93,13 @@ void NoteListView::mousePressEvent(QMouseEvent* event) {
         m_pressedRow = indexAt(event->position().toPoint());
         m_pressPosition = event->position().toPoint();
     }
+    const QPersistentModelIndex current = currentIndex();
     QListView::mousePressEvent(event);
+    // The list makes the pressed row current even when it does not select it; a current row
+    // that is not the selected one would move the selection if it were removed (as a dragged
+    // row is), and Up and Down would start from it.
+    if (m_pressedRow.isValid() && selectionModel() && currentIndex() != current)
+        selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
 }
 
 void NoteListView::mouseMoveEvent(QMouseEvent* event) {
@@ -111,8 +120,14 @@ void NoteListView::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void NoteListView::mouseReleaseEvent(QMouseEvent* event) {
+    const QPersistentModelIndex clicked =
+        m_pressedRow.isValid() && indexAt(event->position().toPoint()) == m_pressedRow
+            ? m_pressedRow
+            : QPersistentModelIndex();
     QListView::mouseReleaseEvent(event);
     m_pressedRow = QPersistentModelIndex();
+    if (clicked.isValid() && selectionModel())
+        selectionModel()->setCurrentIndex(clicked, QItemSelectionModel::NoUpdate);
 }
 
 QItemSelectionModel::SelectionFlags NoteListView::selectionCommand(const QModelIndex& index,
@@ -140,20 +155,10 @@ void NoteListView::dragRow(const QModelIndex& index) {
     const QRect row = visualRect(index);
     drag->setPixmap(viewport()->grab(row));
     drag->setHotSpot(m_pressPosition - row.topLeft());
-    const QPointer<NoteListView> self(this);
     if (m_dragRunner)
         m_dragRunner(*drag);
     else
         drag->exec(model()->supportedDragActions(), defaultDropAction());
-    // The drop may have closed this column.
-    if (!self || !selectionModel())
-        return;
-    // The press made the dragged row the current one without selecting it; the keys go on from
-    // the selected row.
-    const int selected = selectedRow();
-    if (selected >= 0)
-        selectionModel()->setCurrentIndex(model()->index(selected, 0),
-                                          QItemSelectionModel::NoUpdate);
 }
 
 void NoteListView::changeEvent(QEvent* event) {
@@ -169,6 +174,9 @@ void NoteListView::resizeEvent(QResizeEvent* event) {
     if (width != m_lastWidth) {
         m_lastWidth = width;
         emit widthChanged(width);
+        // A list lays its rows out again only when its height changes; the rows' heights follow
+        // the width.
+        scheduleDelayedItemsLayout();
     }
 }
 

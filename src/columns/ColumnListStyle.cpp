@@ -1,4 +1,4 @@
-#include "columns/DropIndicatorStyle.h"
+#include "columns/ColumnListStyle.h"
 
 #include "columns/NoteListView.h"
 
@@ -45,12 +45,12 @@ void paintBetweenRows(QPainter& painter, const QRect& line, const QColor& highli
 
 } // namespace
 
-DropIndicatorStyle::DropIndicatorStyle()
+ColumnListStyle::ColumnListStyle()
     : QProxyStyle(QApplication::style()->name()) {
 }
 
-void DropIndicatorStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
-                                       QPainter* painter, const QWidget* widget) const {
+void ColumnListStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                                    QPainter* painter, const QWidget* widget) const {
     if (element != PE_IndicatorItemViewItemDrop || !option || !painter) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         return;
@@ -70,6 +70,13 @@ void DropIndicatorStyle::drawPrimitive(PrimitiveElement element, const QStyleOpt
     else
         paintOntoRow(*painter, option->rect, highlight);
     painter->restore();
+}
+
+int ColumnListStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                               QStyleHintReturn* returnData) const {
+    if (hint == SH_ScrollBar_Transient)
+        return 1;
+    return QProxyStyle::styleHint(hint, option, widget, returnData);
 }
 
 } // namespace quillery
