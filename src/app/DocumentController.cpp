@@ -4,6 +4,7 @@
 #include "app/DocumentWindow.h"
 #include "app/StorageErrorText.h"
 #include "document/Document.h"
+#include "navigation/ColumnRow.h"
 #include "storage/NotebookPackage.h"
 
 #include <QCoreApplication>
@@ -222,8 +223,10 @@ void DocumentController::rememberOpenNotebooks(const DocumentWindow* closing) {
 
 void DocumentController::windowWillClose(const DocumentWindow& window) {
     m_session.setLastWindowSize(window.normalGeometry().size());
-    if (const auto& location = window.document().fileLocation())
+    if (const auto& location = window.document().fileLocation()) {
         m_session.setWindowGeometry(qtPath(*location), window.saveGeometry());
+        m_session.setColumnWidths(qtPath(*location), window.columnRow()->chosenWidths());
+    }
     const bool othersStay = std::ranges::any_of(m_windows, [&window](const DocumentWindow* other) {
         return other != &window && other->isVisible();
     });
@@ -242,6 +245,8 @@ DocumentWindow* DocumentController::addWindow(std::unique_ptr<Document> document
 
 void DocumentController::placeWindow(DocumentWindow& window) const {
     const auto& location = window.document().fileLocation();
+    if (location)
+        window.columnRow()->setChosenWidths(m_session.columnWidths(qtPath(*location)));
     if (!location || !window.restoreGeometry(m_session.windowGeometry(qtPath(*location)))) {
         if (const QSize size = m_session.lastWindowSize(); size.isValid())
             window.resize(size);

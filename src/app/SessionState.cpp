@@ -15,6 +15,7 @@ const QString kLastWindowSizeKey = QStringLiteral("session/lastWindowSize");
 const QString kPlacesKey = QStringLiteral("session/windowPlaces");
 const QString kPathField = QStringLiteral("path");
 const QString kGeometryField = QStringLiteral("geometry");
+const QString kColumnWidthsField = QStringLiteral("columnWidths");
 
 } // namespace
 
@@ -24,7 +25,8 @@ std::vector<SessionState::Place> SessionState::readPlaces() {
     for (std::size_t i = 0; i < places.size(); ++i) {
         settings.setArrayIndex(static_cast<int>(i));
         places[i] = {settings.value(kPathField).toString(),
-                     settings.value(kGeometryField).toByteArray()};
+                     settings.value(kGeometryField).toByteArray(),
+                     settings.value(kColumnWidthsField).toList()};
     }
     settings.endArray();
     return places;
@@ -45,9 +47,36 @@ QByteArray SessionState::windowGeometry(const QString& path) const {
 }
 
 void SessionState::setWindowGeometry(const QString& path, const QByteArray& geometry) {
+    updatePlace(path, [&geometry](Place& place) { place.geometry = geometry; });
+}
+
+std::vector<int> SessionState::columnWidths(const QString& path) const {
+    const auto places = readPlaces();
+    const auto found = std::ranges::find(places, path, &Place::path);
+    std::vector<int> widths;
+    if (found != places.end()) {
+        for (const QVariant& width : found->columnWidths)
+            widths.push_back(std::max(width.toInt(), 0));
+    }
+    return widths;
+}
+
+void SessionState::setColumnWidths(const QString& path, const std::vector<int>& widths) {
+    updatePlace(path, [&widths](Place& place) {
+        place.columnWidths.clear();
+        for (const int width : widths)
+            place.columnWidths.append(width);
+    });
+}
+
+void SessionState::updatePlace(const QString& path, const std::function<void(Place&)>& change) {
     auto places = readPlaces();
-    std::erase_if(places, [&path](const Place& place) { return place.path == path; });
-    places.insert(places.begin(), Place{path, geometry});
+    auto found = std::ranges::find(places, path, &Place::path);
+    Place place = found == places.end() ? Place{path, {}, {}} : *found;
+    change(place);
+    if (found != places.end())
+        places.erase(found);
+    places.insert(places.begin(), std::move(place));
     places.resize(std::min<std::size_t>(places.size(), kMaximumPlaces));
     QSettings settings;
     settings.remove(kPlacesKey);
@@ -56,6 +85,7 @@ void SessionState::setWindowGeometry(const QString& path, const QByteArray& geom
         settings.setArrayIndex(static_cast<int>(i));
         settings.setValue(kPathField, places[i].path);
         settings.setValue(kGeometryField, places[i].geometry);
+        settings.setValue(kColumnWidthsField, places[i].columnWidths);
     }
     settings.endArray();
 }

@@ -3,15 +3,17 @@
 #include <QByteArray>
 #include <QSize>
 #include <QStringList>
+#include <QVariantList>
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 namespace quillery {
 
 // What the app brings back at start, kept in the app's settings: the notebooks that were open
-// when it last ended, where each notebook's window was, and the size of the last window closed
-// (for windows that have no place of their own yet).
+// when it last ended, where each notebook's window was and the widths the user gave its columns,
+// and the size of the last window closed (for windows that have no place of their own yet).
 class SessionState {
 public:
     // Notebooks whose window places are kept; older ones make way.
@@ -24,6 +26,9 @@ public:
     // empty when there is none.
     QByteArray windowGeometry(const QString& path) const;
     void setWindowGeometry(const QString& path, const QByteArray& geometry);
+    // The column widths the user chose in the notebook's window, by depth (0: the default).
+    std::vector<int> columnWidths(const QString& path) const;
+    void setColumnWidths(const QString& path, const std::vector<int>& widths);
 
     // Invalid when no window was ever closed.
     QSize lastWindowSize() const;
@@ -35,8 +40,11 @@ private:
     struct Place {
         QString path;
         QByteArray geometry;
+        QVariantList columnWidths;
     };
     static std::vector<Place> readPlaces();
+    // Changes the notebook's place (a new one when it has none) and makes it the newest.
+    static void updatePlace(const QString& path, const std::function<void(Place&)>& change);
 };
 
 } // namespace quillery

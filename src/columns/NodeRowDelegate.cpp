@@ -155,6 +155,17 @@ int NodeRowDelegate::estimatedRowHeight(const NotebookNode& node) const {
     return static_cast<int>(std::ceil(height)) + kVerticalSpace;
 }
 
+int NodeRowDelegate::fittingWidth(const NotebookNode& node) const {
+    if (node.imageIdentifier())
+        return 0;
+    int width =
+        static_cast<int>(std::ceil(StyledTextLayout::naturalWidth(node.text()))) + 2 * kTextInset;
+    if (!node.children().empty())
+        width += countSize(node.children().size(), countFont(QGuiApplication::font())).width() +
+                 kCountGap;
+    return width;
+}
+
 QSize NodeRowDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex& index) const {
     // The list gives every row its full width; only the height matters here.
     const auto* model = qobject_cast<const NodeListModel*>(index.model());

@@ -49,6 +49,9 @@ public:
     int rowHeight(const NotebookNode& node) const;
     // A cheap guess for a text row never measured; exact for picture rows.
     int estimatedRowHeight(const NotebookNode& node) const;
+    // The column width at which the row's text needs no wrapping; 0 for a picture row, which
+    // fits any width.
+    int fittingWidth(const NotebookNode& node) const;
     // Number of text rows measured at the current width (for tests and benchmarks).
     std::size_t measuredRowCount() const;
 

@@ -144,6 +144,17 @@ NoteColumn* NoteColumn::containing(QWidget* widget) {
     return nullptr;
 }
 
+int NoteColumn::fittingWidth() const {
+    const int rows = std::min(rowCount(), NodeRowDelegate::kExactMeasureLimit);
+    int widest = 0;
+    for (int row = 0; row < rows; ++row) {
+        if (const NodePtr node = m_model->nodeAt(row))
+            widest = std::max(widest, m_rows->fittingWidth(*node));
+    }
+    // The list's own frame and scroll bar take their share of the column.
+    return widest + width() - m_listView->viewport()->width();
+}
+
 QSize NoteColumn::sizeHint() const {
     const int line = fontMetrics().height();
     return {line * 22, line * 30};

@@ -86,6 +86,10 @@ public:
 
     NoteListView* listView() const { return m_listView; }
 
+    // The width at which the column's notes need no wrapping (measured on its first rows when
+    // there are very many), whatever width it has now.
+    int fittingWidth() const;
+
     // The column that contains the widget, if any.
     static NoteColumn* containing(QWidget* widget);
 

@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QPalette>
 #include <QTextOption>
+#include <QWidget>
 
 #include <algorithm>
 
@@ -138,6 +139,17 @@ void StyledTextLayout::draw(QPainter& painter, QPointF position) const {
 qreal StyledTextLayout::measure(std::string_view text, qreal width) {
     StyledTextLayout layout(text, QGuiApplication::palette());
     return layout.layout(width);
+}
+
+qreal StyledTextLayout::naturalWidth(std::string_view text) {
+    StyledTextLayout layout(text, QGuiApplication::palette());
+    layout.layout(QWIDGETSIZE_MAX);
+    qreal widest = 0;
+    for (int i = 0; i < layout.m_layout.lineCount(); ++i) {
+        const QTextLine line = layout.m_layout.lineAt(i);
+        widest = std::max(widest, line.x() + line.naturalTextWidth());
+    }
+    return widest;
 }
 
 } // namespace quillery

@@ -39,6 +39,8 @@ public:
 
     // The height of the laid-out text of a note at the width, for a row's height.
     static qreal measure(std::string_view text, qreal width);
+    // How wide the note's longest line is when nothing wraps (of the lines the box shows).
+    static qreal naturalWidth(std::string_view text);
 
 private:
     // A list item's line: where it starts in the laid-out string, and how far its wrapped lines

@@ -4,6 +4,7 @@
 #include "columns/PicturePanel.h"
 #include "columns/QtPicture.h"
 #include "document/Document.h"
+#include "navigation/ColumnEdge.h"
 #include "navigation/RevealNote.h"
 
 #include <QApplication>
@@ -11,6 +12,8 @@
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace quillery {
 
@@ -20,6 +23,9 @@ namespace {
 // three or four columns fit a laptop screen. Panels get more room for editing.
 constexpr double kColumnWidthEm = 24.0;
 constexpr double kPanelWidthEm = 36.0;
+// What a user may make of a column's width.
+constexpr double kNarrowestColumnEm = 8.0;
+constexpr double kWidestColumnEm = 80.0;
 
 // The row is always exactly as tall as the visible area. A column with a wrapping label would
 // otherwise ask for more height at narrow widths, and the scroll area would make the row taller
@@ -54,7 +60,6 @@ ColumnRow::ColumnRow(Document* document, QWidget* parent)
     m_layout->setContentsMargins(0, 0, 0, 0);
     // One pixel between items, where paintEvent draws the divider.
     m_layout->setSpacing(1);
-    m_layout->addStretch(1);
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget*, QWidget* now) { noteFocus(now); });
 }
@@ -120,6 +125,33 @@ int ColumnRow::panelWidth() const {
     return qRound(fontInfo().pixelSize() * kPanelWidthEm);
 }
 
+int ColumnRow::columnWidth(int depth) const {
+    const auto index = static_cast<std::size_t>(depth);
+    return depth >= 0 && index < m_chosenWidths.size() && m_chosenWidths[index] > 0
+               ? m_chosenWidths[index]
+               : columnWidth();
+}
+
+void ColumnRow::setChosenWidths(std::vector<int> widths) {
+    m_chosenWidths = std::move(widths);
+    applyWidths();
+}
+
+void ColumnRow::chooseWidth(int depth, int width) {
+    if (depth < 0)
+        return;
+    const int em = fontInfo().pixelSize();
+    width = std::clamp(width, qRound(em * kNarrowestColumnEm), qRound(em * kWidestColumnEm));
+    const auto index = static_cast<std::size_t>(depth);
+    if (m_chosenWidths.size() <= index)
+        m_chosenWidths.resize(index + 1, 0);
+    if (m_chosenWidths[index] == width)
+        return;
+    m_chosenWidths[index] = width;
+    applyWidths();
+    emit chosenWidthsChanged();
+}
+
 void ColumnRow::showPicture(const NoteColumn& column, const NodePtr& node) {
     if (!m_document || !node || !node->imageIdentifier())
         return;
@@ -177,6 +209,11 @@ QWidget* ColumnRow::makeColumn(const NodePtr& node, int depth) {
     connect(column, &NoteColumn::editorDone, this, &ColumnRow::closePanel);
     connect(column, &NoteColumn::noteDropped, this,
             [this](const NodePtr& note) { revealNote(*this, *note); });
+    auto* edge = new ColumnEdge(column);
+    connect(edge, &ColumnEdge::widthRequested, this,
+            [this, column](int width) { chooseWidth(column->depth(), width); });
+    connect(edge, &ColumnEdge::fitRequested, this,
+            [this, column] { chooseWidth(column->depth(), column->fittingWidth()); });
     column->hide();
     return column;
 }
@@ -186,9 +223,8 @@ bool ColumnRow::isColumn(QWidget* const& item) const {
 }
 
 void ColumnRow::appendItem(QWidget* const& item) {
-    item->setFixedWidth(isColumn(item) ? columnWidth() : panelWidth());
-    // Before the trailing stretch, which keeps the items at the left.
-    m_layout->insertWidget(m_layout->count() - 1, item);
+    m_layout->addWidget(item);
+    applyWidths();
     item->show();
     update();
 }
@@ -200,6 +236,7 @@ void ColumnRow::removeItem(QWidget* const& item, bool closing) {
         // A column may be closed from inside one of its own signal handlers.
         item->deleteLater();
     }
+    applyWidths();
     update();
 }
 
@@ -225,8 +262,21 @@ void ColumnRow::later(std::function<void()> step) {
 }
 
 void ColumnRow::applyWidths() {
-    for (QWidget* item : items())
-        item->setFixedWidth(isColumn(item) ? columnWidth() : panelWidth());
+    // Items leave the layout before the model forgets them; only those laid out count.
+    std::vector<QWidget*> shown;
+    for (int index = 0; index < m_layout->count(); ++index) {
+        if (QWidget* item = m_layout->itemAt(index)->widget())
+            shown.push_back(item);
+    }
+    for (QWidget* item : shown) {
+        auto* column = qobject_cast<NoteColumn*>(item);
+        const int width = column ? columnWidth(column->depth()) : panelWidth();
+        const bool last = item == shown.back();
+        // The last item also takes the room left at the right of the row.
+        item->setMinimumWidth(width);
+        item->setMaximumWidth(last ? QWIDGETSIZE_MAX : width);
+        m_layout->setStretchFactor(item, last ? 1 : 0);
+    }
 }
 
 void ColumnRow::noteFocus(QWidget* now) {

@@ -14,9 +14,12 @@ class NoteColumn;
 
 // The row of columns, one per level of the opened path, with at most one panel (the note editor
 // or the picture panel) as an extra column at the right. The rules live in ColumnSlots; this
-// widget lays the items out side by side at fixed widths, so the row grows to the right and its
-// host scrolls it sideways. It follows the signals of every column and of the picture panel, and
-// owns them all, also those put aside while a panel is shown.
+// widget lays the items out side by side, each at its width, so the row grows to the right and
+// its host scrolls it sideways; the last item also takes whatever room is left at the right. A
+// column's width is the default until the user drags its right edge or double-clicks it (to fit
+// its notes); widths the user chose are kept by depth. The row follows the signals of every
+// column and of the picture panel, and owns them all, also those put aside while a panel is
+// shown.
 class ColumnRow : public QWidget, private ColumnSlots<QWidget*>::Host {
     Q_OBJECT
 
@@ -42,13 +45,24 @@ public:
     void closePanel();
     void focusColumn(int index);
 
-    // Width of a column and of a panel, from the font so that the row scales with it.
+    // The default width of a column and the width of a panel, from the font so that the row
+    // scales with it.
     int columnWidth() const;
     int panelWidth() const;
+    // The width of the column at the depth when it is not the last item: the one the user chose,
+    // else the default.
+    int columnWidth(int depth) const;
+    // The widths the user chose, by depth; 0 where the default holds.
+    const std::vector<int>& chosenWidths() const { return m_chosenWidths; }
+    void setChosenWidths(std::vector<int> widths);
+    // Sets the width of the column at the depth as the user's choice, within sensible bounds.
+    void chooseWidth(int depth, int width);
 
 signals:
     // A panel appeared or went away; menus that act on columns follow it.
     void panelShownChanged(bool shown);
+    // The user chose a column's width.
+    void chosenWidthsChanged();
     // The rectangle of the row (an item just shown or focused) should be brought into view.
     void scrollRequested(const QRect& rect);
 
@@ -76,6 +90,7 @@ private:
     QHBoxLayout* m_layout;
     ColumnSlots<QWidget*> m_slots;
     QPointer<NoteColumn> m_lastActiveColumn;
+    std::vector<int> m_chosenWidths;
 };
 
 } // namespace quillery

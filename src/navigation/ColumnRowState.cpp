@@ -54,6 +54,7 @@ ColumnRowState ColumnRowState::capture(const ColumnScrollArea& content) {
         state.selection.push_back(selected->identifier());
     }
     state.rowScroll = content.horizontalScrollBar()->value();
+    state.chosenWidths = split.chosenWidths();
     if (const NoteColumn* active = split.activeColumn(); active && active->hasFocus())
         state.focusedDepth = active->depth();
     return state;
@@ -61,6 +62,7 @@ ColumnRowState ColumnRowState::capture(const ColumnScrollArea& content) {
 
 void ColumnRowState::restore(ColumnScrollArea& content, const Document& document) const {
     ColumnRow& split = *content.columnRow();
+    split.setChosenWidths(chosenWidths);
     std::vector<const NotebookNode*> path;
     for (auto it = selection.rbegin(); it != selection.rend() && path.empty(); ++it)
         path = pathTo(document, *it);

@@ -14,6 +14,9 @@ ColumnScrollArea::ColumnScrollArea(Document* document, QWidget* parent)
     setObjectName(QStringLiteral("ColumnScrollArea"));
     setAccessibleName(tr("Notebook"));
     setFrameShape(QFrame::NoFrame);
+    // The columns take the keys; a click between or beside them must not take the keyboard
+    // from the column that has it.
+    setFocusPolicy(Qt::NoFocus);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     // A resizable content widget follows the visible area and is never narrower than it; its

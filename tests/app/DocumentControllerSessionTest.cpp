@@ -1,5 +1,6 @@
 #include "QtPrinters.h"
 #include "app/AppFixture.h"
+#include "navigation/ColumnRow.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -96,16 +97,18 @@ TEST_F(DocumentControllerSessionTest, ANotebookSavedUnderANewNameComesBackUnderI
 }
 
 TEST_F(DocumentControllerSessionTest,
-       ANotebookOpensWhereItsWindowWasAndNewWindowsTakeTheLastSizeThatFitsTheScreen) {
+       ANotebookOpensWhereItsWindowWasWithItsColumnWidthsAndNewWindowsTakeTheLastSizeThatFits) {
     const auto trip = makePackage("Trip.quillery", {"Flights"});
     DocumentWindow* window = controller.openDocument(trip);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
     const QRect place(40, 60, 700, 500);
     window->setGeometry(place);
+    window->columnRow()->chooseWidth(0, 250);
     window->close();
 
     DocumentWindow* reopened = controller.openDocument(trip);
     EXPECT_EQ(reopened->geometry(), place);
+    EXPECT_EQ(reopened->columnRow()->chosenWidths(), std::vector<int>{250});
     reopened->resize(600, 400);
     reopened->close();
     DocumentWindow* next = controller.newDocument();
