@@ -9,6 +9,7 @@
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QResizeEvent>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -153,12 +154,32 @@ void NoteListView::dragRow(const QModelIndex& index) {
     auto* drag = new QDrag(this);
     drag->setMimeData(payload);
     const QRect row = visualRect(index);
-    drag->setPixmap(viewport()->grab(row));
+    drag->setPixmap(rowPicture(index, row.size()));
     drag->setHotSpot(m_pressPosition - row.topLeft());
     if (m_dragRunner)
         m_dragRunner(*drag);
     else
         drag->exec(model()->supportedDragActions(), defaultDropAction());
+}
+
+QPixmap NoteListView::rowPicture(const QModelIndex& index, QSize size) const {
+    const qreal ratio = devicePixelRatioF();
+    QPixmap picture(size * ratio);
+    picture.setDevicePixelRatio(ratio);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    // The row as it looks unselected, lifted off the list: a little see-through, with a frame.
+    painter.setOpacity(0.85);
+    painter.fillRect(QRect(QPoint(), size), palette().color(QPalette::Base));
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    option.rect = QRect(QPoint(), size);
+    option.state &= ~(QStyle::State_Selected | QStyle::State_HasFocus);
+    itemDelegate()->paint(&painter, option, index);
+    painter.setOpacity(1);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(QRect(QPoint(), size).adjusted(0, 0, -1, -1));
+    return picture;
 }
 
 void NoteListView::changeEvent(QEvent* event) {

@@ -60,6 +60,8 @@ protected:
 private:
     void chooseDropAction(QDropEvent* event) const;
     void dragRow(const QModelIndex& index);
+    // What follows the pointer while the row is dragged.
+    QPixmap rowPicture(const QModelIndex& index, QSize size) const;
 
     DragRunner m_dragRunner;
     // The row a left press went down on, until the release or the drag it turns into.

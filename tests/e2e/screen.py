@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Looks at the app's window on the X server named by DISPLAY, for the end-to-end run.
 
-The selected row of the column that has the keyboard focus is the only place where the window
-shows the row highlight colour (an outline and a bar at the row's left edge), so its bounding box
-tells which row of which column is selected and focused, and where that row is on the screen.
+The selected row of the column that has the keyboard focus is drawn in the palette's highlight
+colour (an outline and a bar at the row's left edge). So is an Add Note button with the keyboard
+focus and the mark of a drop under way, neither of which the runs show while they look for the
+row; so the colour's bounding box tells which row of which column is selected and focused, and
+where that row is on the screen.
 
   screen.py highlight WINDOW
       Prints the highlighted row as "X0 Y0 X1 Y1" (window coordinates, inclusive), or "none".
@@ -22,9 +24,9 @@ import subprocess
 import sys
 import time
 
-# Colors::rowHighlight drawn over the list's white base, as Qt blends it; a wide tolerance keeps
-# the match independent of rounding in the blend.
-HIGHLIGHT = (223, 118, 100)
+# The highlight colour of Qt's own palette, which the app gets under Xvfb with no desktop theme;
+# a tolerance keeps the match independent of anti-aliasing at the outline's corners.
+HIGHLIGHT = (48, 140, 198)
 TOLERANCE = 24
 # Fewer matching pixels than this is anti-aliasing or noise, not a highlighted row.
 MIN_HIGHLIGHT_PIXELS = 100
