@@ -27,7 +27,7 @@ constexpr qreal kDimmedTextOpacity = 0.25;
 constexpr qreal kDimmedPictureOpacity = 0.5;
 constexpr int kCountGap = 6; // between the text and the count beside it
 // The fade at the bottom of a cut note covers this many of its last lines.
-constexpr qreal kFadeLines = 1.5;
+constexpr qreal kFadeLines = 2;
 
 const NotebookNode* nodeFor(const QModelIndex& index) {
     const auto* model = qobject_cast<const NodeListModel*>(index.model());
@@ -251,7 +251,11 @@ void NodeRowDelegate::paintText(QPainter& painter, const QStyleOptionViewItem& o
                                 const QModelIndex& index, const NotebookNode& node, bool dimmed,
                                 const QColor& background) const {
     painter.setOpacity(dimmed ? kDimmedTextOpacity : 1.0);
-    StyledTextLayout layout(node.text(), option.palette);
+    // A disabled list's palette greys its text; the rows that stay clear keep their colours.
+    QPalette palette = option.palette;
+    if (!dimmed)
+        palette.setCurrentColorGroup(QPalette::Active);
+    StyledTextLayout layout(node.text(), palette);
     const qreal textHeight = layout.layout(textWidth(node));
     const int height = static_cast<int>(std::ceil(textHeight)) + kVerticalSpace;
     remember(index, node, height, option.rect.height());
