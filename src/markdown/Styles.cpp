@@ -84,18 +84,4 @@ FontSpec FontForTextStyle(MyFontTextStyle style) {
     return {fontfamilies::sans(), 14};
 }
 
-namespace Colors {
-
-const Color& rowHighlight() {
-    static const Color color = Color::fromHsba(0.024, 0.94, 0.8, 0.64);
-    return color;
-}
-
-const Color& buttonClickColor() {
-    static const Color color = Color::fromHsba(0.02, 0.9, 0.9, 0.8);
-    return color;
-}
-
-} // namespace Colors
-
 } // namespace quillery

@@ -48,11 +48,6 @@ const std::string& serif();
 const std::string& monospace();
 } // namespace fontfamilies
 
-namespace Colors {
-const Color& rowHighlight();
-const Color& buttonClickColor();
-} // namespace Colors
-
 // How one text run is shown: the font of its line type, its colour and its link target.
 struct RunPresentation {
     FontSpec font;

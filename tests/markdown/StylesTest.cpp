@@ -16,14 +16,6 @@ void expectColorNear(const Color& actual, const Color& expected) {
     EXPECT_NEAR(actual.alpha, expected.alpha, kTolerance);
 }
 
-TEST(SharedColors, RowHighlightMatchesItsRgb) {
-    expectColorNear(Colors::rowHighlight(), {0.8, 0.156288, 0.048, 0.64});
-}
-
-TEST(SharedColors, ButtonClickColorMatchesItsRgb) {
-    expectColorNear(Colors::buttonClickColor(), {0.9, 0.1872, 0.09, 0.8});
-}
-
 TEST(SharedColors, CodeGreensOfTheCellsMatchTheirRgb) {
     expectColorNear(Color::fromHsba(0.2, 0.7, 0.5, 1.0), {0.43, 0.5, 0.15, 1.0});
     expectColorNear(Color::fromHsba(0.24, 0.8, 0.5, 1.0), {0.324, 0.5, 0.1, 1.0});
