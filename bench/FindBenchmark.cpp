@@ -4,7 +4,7 @@
 // common and rare words, each giving the count and the first 500 results (target: under 16 ms,
 // one frame), and the time to open the same notebook, all measured in this run.
 #include "GeneratedJournals.h"
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 #include "document/SearchIndex.h"

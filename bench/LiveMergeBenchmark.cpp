@@ -12,9 +12,9 @@
 #include "app/LiveMerge.h"
 #include "app/PackageWatcher.h"
 #include "app/QtPictureCodec.h"
+#include "base/Diagnostics.h"
 #include "columns/NoteColumn.h"
 #include "columns/NoteListView.h"
-#include "document/Diagnostics.h"
 #include "document/InMemoryPreferences.h"
 #include "navigation/ColumnRow.h"
 

@@ -1,7 +1,7 @@
 // Opening a large shared notebook: 3 journals, 1,000,000 records in all (about 200 MB). Judged
 // against simdjson alone parsing the same files in the same run; the target is 2.5 times that.
 #include "GeneratedJournals.h"
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 #include "storage/HeaderPictureCodec.h"

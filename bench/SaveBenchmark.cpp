@@ -2,7 +2,7 @@
 // Judged against writing and flushing the same number of bytes with plain file calls in the same
 // run; the target is 2 times that.
 #include "GeneratedJournals.h"
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 #include "storage/NotebookPackage.h"

@@ -1,7 +1,7 @@
 // Feeds arbitrary bytes to the journal reader. Whatever it accepts must be JSON to simdjson's
 // full parser too, must replay into a document without harm, and must come back unchanged
 // through the journal writer.
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 #include "storage/JournalReader.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "document/JsonFilePreferences.h"
 #include "storage/HeaderPictureCodec.h"

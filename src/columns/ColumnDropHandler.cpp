@@ -1,10 +1,10 @@
 #include "columns/ColumnDropHandler.h"
 
+#include "base/Diagnostics.h"
 #include "columns/DecodePicture.h"
 #include "columns/NoteMimeData.h"
 #include "columns/PictureFromMimeData.h"
 #include "columns/QtPicture.h"
-#include "document/Diagnostics.h"
 #include "document/Document.h"
 
 #include <QBuffer>

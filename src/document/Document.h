@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/FileIdentity.h"
 #include "document/DeletionOrigins.h"
 #include "document/DocumentUpdate.h"
 #include "document/NodeIndex.h"
@@ -8,7 +9,6 @@
 #include "model/DocumentDiff.h"
 #include "model/JournalMerge.h"
 #include "model/NotebookNode.h"
-#include "storage/FileIdentity.h"
 #include "storage/ImageStore.h"
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 // Document::applyDiff(): how each record form changes the tree, and what it announces.
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 
 namespace quillery {

@@ -1,5 +1,5 @@
 // Document::loadData(): the replay of a package's merged records.
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "document/ParkedRecords.h"
 #include "document/ReplayLookahead.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/HugePageAllocator.h"
+#include "base/HugePageAllocator.h"
 #include "model/NotebookNode.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "document/HugePageAllocator.h"
-#include "storage/FileIdentity.h"
+#include "base/FileIdentity.h"
+#include "base/HugePageAllocator.h"
 
 #include <cstddef>
 #include <cstdlib>

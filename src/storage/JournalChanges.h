@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/FileIdentity.h"
 #include "model/JournalMerge.h"
-#include "storage/FileIdentity.h"
 #include "storage/StorageError.h"
 
 #include <filesystem>

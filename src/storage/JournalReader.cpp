@@ -1,6 +1,6 @@
 #include "storage/JournalReader.h"
 
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 
 #include <algorithm>
 #include <charconv>

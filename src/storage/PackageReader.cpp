@@ -1,6 +1,6 @@
 #include "storage/PackageReader.h"
 
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "model/JournalMerge.h"
 #include "storage/FileSystem.h"

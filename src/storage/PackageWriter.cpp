@@ -1,6 +1,6 @@
 #include "storage/PackageWriter.h"
 
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "storage/FileSystem.h"
 #include "storage/JournalReader.h"

@@ -2,8 +2,8 @@
 
 #include "EncodedPicture.h"
 #include "QtPrinters.h"
+#include "base/Diagnostics.h"
 #include "columns/QtPicture.h"
-#include "document/Diagnostics.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 #include "model/PlainDictionaryPrinter.h"

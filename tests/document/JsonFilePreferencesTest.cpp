@@ -1,6 +1,6 @@
 #include "document/JsonFilePreferences.h"
 
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "model/Identifier.h"
 

@@ -1,6 +1,6 @@
 #include "model/DocumentDiff.h"
 
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "model/JournalMerge.h"
 #include "model/PlainDictionaryPrinter.h"
 

@@ -1,5 +1,5 @@
 #include "StorageTestSupport.h"
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "storage/NotebookPackage.h"
 
 #include <gtest/gtest.h>

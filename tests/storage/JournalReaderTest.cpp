@@ -1,6 +1,6 @@
 #include "storage/JournalReader.h"
 
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "storage/NotebookPackage.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "storage/NotebookPackage.h"
 
 #include "StorageTestSupport.h"
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "storage/PosixFileSystem.h"
 
 #include <chrono>

@@ -1,6 +1,6 @@
 #include "FaultyFileSystem.h"
 #include "StorageTestSupport.h"
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "storage/NotebookPackage.h"
 
 #include <chrono>

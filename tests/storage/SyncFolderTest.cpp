@@ -1,5 +1,5 @@
 #include "StorageTestSupport.h"
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "storage/JournalChanges.h"
 #include "storage/NotebookPackage.h"
 #include "storage/PosixFileSystem.h"

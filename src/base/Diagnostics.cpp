@@ -1,4 +1,4 @@
-#include "document/Diagnostics.h"
+#include "base/Diagnostics.h"
 
 #include <cstdio>
 #include <utility>
