@@ -1,7 +1,7 @@
 #include "GeneratedJournals.h"
 
+#include "model/JournalMerge.h"
 #include "storage/JournalWriter.h"
-#include "storage/PackageLayout.h"
 #include "storage/PosixFileSystem.h"
 
 #include <random>
@@ -65,7 +65,7 @@ std::vector<DocumentDiff> generateLog(std::size_t records, TimePoint start,
 std::size_t writeJournal(const std::filesystem::path& package, const Identifier& client,
                          const std::vector<DocumentDiff>& diffs) {
     std::filesystem::create_directories(package / "images");
-    std::filesystem::path path = package / package_layout::journalFileName(client);
+    std::filesystem::path path = package / journalFileName(client);
     std::filesystem::remove(path);
     PosixFileSystem files;
     std::unique_ptr<WritableFile> file;

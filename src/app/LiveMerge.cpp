@@ -1,9 +1,9 @@
 #include "app/LiveMerge.h"
 
 #include "document/Document.h"
+#include "model/JournalMerge.h"
 #include "storage/JournalChanges.h"
 #include "storage/NotebookPackage.h"
-#include "storage/PackageLayout.h"
 #include "storage/PosixFileSystem.h"
 
 #include <QtConcurrent/QtConcurrentRun>
@@ -57,8 +57,7 @@ bool LiveMerge::isBusy() const {
 }
 
 void LiveMerge::noteOwnSave() {
-    m_watcher.markSeen(
-        {QString::fromStdString(package_layout::journalFileName(m_document.clientIdentifier()))});
+    m_watcher.markSeen({QString::fromStdString(journalFileName(m_document.clientIdentifier()))});
     // A save that found records of this installation it could not place asks for a replay.
     if (m_document.needsReplay() && !isBusy())
         startReplay();

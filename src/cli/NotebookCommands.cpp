@@ -3,7 +3,7 @@
 #include "cli/Cli.h"
 #include "cli/CommandArguments.h"
 #include "cli/NotebookSession.h"
-#include "storage/PackageLayout.h"
+#include "model/JournalMerge.h"
 
 #include <charconv>
 #include <chrono>
@@ -157,12 +157,12 @@ int runInfoCommand(const std::vector<std::string>& arguments, std::ostream& out,
     std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
 
     const Document& document = session.document();
-    std::string own = package_layout::journalFileName(document.clientIdentifier());
+    std::string own = journalFileName(document.clientIdentifier());
     out << "Journals: " << summary.journals.size() << '\n';
     for (const auto& journal : summary.journals) {
         std::string client = journal.fileName;
-        if (client.ends_with(package_layout::kJournalMarker))
-            client.resize(client.size() - package_layout::kJournalMarker.size());
+        if (client.ends_with(kJournalMarker))
+            client.resize(client.size() - kJournalMarker.size());
         out << "  " << client << ": " << journal.recordCount
             << (journal.recordCount == 1 ? " record" : " records")
             << (journal.fileName == own ? " (this installation)" : "") << '\n';

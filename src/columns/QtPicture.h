@@ -1,6 +1,6 @@
 #pragma once
 
-#include "storage/PictureCodec.h"
+#include "document/PictureCodec.h"
 
 #include <QImage>
 

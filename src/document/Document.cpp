@@ -1,7 +1,6 @@
 #include "document/Document.h"
 
 #include "document/Preferences.h"
-#include "storage/PackageLayout.h"
 
 #include <algorithm>
 
@@ -106,7 +105,7 @@ bool Document::liesWithin(const NotebookNode& candidate, const Identifier& ances
 void Document::appendDiff(DocumentDiff diff) {
     // A record of now comes after everything applied, unless this machine's clock is behind.
     if (WholeSeconds(diff.timestamp) >= m_lastAppliedTime)
-        setLastApplied(diff.timestamp, package_layout::journalFileName(m_clientIdentifier));
+        setLastApplied(diff.timestamp, journalFileName(m_clientIdentifier));
     m_diffs.push_back(std::move(diff));
     touch();
 }

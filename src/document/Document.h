@@ -3,13 +3,13 @@
 #include "base/FileIdentity.h"
 #include "document/DeletionOrigins.h"
 #include "document/DocumentUpdate.h"
+#include "document/ImageStore.h"
 #include "document/NodeIndex.h"
 #include "document/NotebookDataStore.h"
 #include "document/UndoManager.h"
 #include "model/DocumentDiff.h"
 #include "model/JournalMerge.h"
 #include "model/NotebookNode.h"
-#include "storage/ImageStore.h"
 
 #include <cstdint>
 #include <filesystem>

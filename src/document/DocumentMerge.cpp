@@ -1,6 +1,5 @@
 // Keeping an open document in step with the package while other processes and machines write it.
 #include "document/Document.h"
-#include "storage/PackageLayout.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -43,11 +42,11 @@ std::optional<std::string> Document::undoProblem() const {
 void Document::setOwnJournalIdentity(std::optional<FileIdentity> identity) {
     m_ownJournalIdentity = identity;
     if (identity)
-        m_journalIdentities[package_layout::journalFileName(m_clientIdentifier)] = *identity;
+        m_journalIdentities[journalFileName(m_clientIdentifier)] = *identity;
 }
 
 void Document::setJournalIdentities(std::map<std::string, FileIdentity> identities) {
-    auto own = identities.find(package_layout::journalFileName(m_clientIdentifier));
+    auto own = identities.find(journalFileName(m_clientIdentifier));
     if (own != identities.end())
         m_ownJournalIdentity = own->second;
     m_journalIdentities = std::move(identities);
@@ -60,7 +59,7 @@ std::size_t Document::adoptOwnJournalRecords(std::vector<std::vector<DocumentDif
         return 0;
     m_adoptedDiffs.insert(m_adoptedDiffs.end(), found.begin(), found.end());
     std::vector<NamedRecords> appended;
-    appended.push_back({package_layout::journalFileName(m_clientIdentifier), found, std::nullopt});
+    appended.push_back({journalFileName(m_clientIdentifier), found, std::nullopt});
     if (mergeRecords(std::move(appended)) == MergeOutcome::needsReplay)
         m_needsReplay = true;
     return found.size();
@@ -108,7 +107,7 @@ Document::MergeOutcome Document::mergeRecords(std::vector<NamedRecords> appended
         }
     }
     // Records of this client's journal written by another process are saved with the log.
-    const std::string own = package_layout::journalFileName(m_clientIdentifier);
+    const std::string own = journalFileName(m_clientIdentifier);
     for (const NamedRecords& journal : appended)
         if (journal.journalName == own) {
             std::vector<DocumentDiff> found = RecordsMissingFrom(journal.records, journalRecords());

@@ -56,6 +56,12 @@ void keepEachOnce(std::vector<Tagged>& group, std::size_t journalCount,
 
 } // namespace
 
+std::string journalFileName(const Identifier& client) {
+    std::string name = client.toString();
+    name += kJournalMarker;
+    return name;
+}
+
 JournalMark markOf(const std::vector<DocumentDiff>& diffs, std::size_t count) {
     JournalMark mark{count, 0};
     for (std::size_t i = 0; i < count && i < diffs.size(); ++i)

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillery {
@@ -19,6 +20,12 @@ struct JournalMark {
     friend bool operator==(const JournalMark&, const JournalMark&) = default;
 };
 JournalMark markOf(const std::vector<DocumentDiff>& diffs, std::size_t count);
+
+// Any top-level file of a package whose name holds this is read as a journal.
+inline constexpr std::string_view kJournalMarker = ".journal";
+// "<client>.journal". Journals merge in byte order of their names, so this name is part of the
+// merged order.
+std::string journalFileName(const Identifier& client);
 
 // Records of one journal file, by its name.
 struct NamedRecords {

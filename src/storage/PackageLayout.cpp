@@ -19,10 +19,6 @@ void removeAll(std::string& text, std::string_view part) {
 
 } // namespace
 
-std::string journalFileName(const Identifier& client) {
-    return joined({client.toString(), kJournalMarker});
-}
-
 bool isJournalName(std::string_view fileName) {
     if (fileName.find(kJournalMarker) == std::string_view::npos || fileName.starts_with('.') ||
         fileName.starts_with('~') || isTemporaryName(fileName))

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Identifier.h"
+#include "model/JournalMerge.h"
 
 #include <string>
 #include <string_view>
@@ -12,8 +13,6 @@ namespace package_layout {
 
 inline constexpr std::string_view kPackageExtension = ".quillery";
 inline constexpr std::string_view kImagesDirectory = "images";
-// Any top-level file whose name holds this is read as a journal.
-inline constexpr std::string_view kJournalMarker = ".journal";
 // Files being written end in this; they are never read, carried over or taken for pictures.
 inline constexpr std::string_view kTemporarySuffix = ".quillery-tmp";
 
@@ -22,8 +21,6 @@ inline constexpr std::string_view kTemporarySuffix = ".quillery-tmp";
 inline constexpr std::string_view kForeignTemporarySuffixes[] = {".tmp", ".part", ".partial",
                                                                  ".crdownload", ".!sync"};
 
-// "<client>.journal"
-std::string journalFileName(const Identifier& client);
 // A name with ".journal" in it, unless it is hidden (starts with "." or "~") or ends in a
 // temporary suffix: those are files a sync tool or an editor is still writing.
 bool isJournalName(std::string_view fileName);

@@ -2,11 +2,11 @@
 
 #include "base/Diagnostics.h"
 #include "document/Document.h"
+#include "document/PictureCodec.h"
 #include "model/JournalMerge.h"
 #include "storage/FileSystem.h"
 #include "storage/JournalLoader.h"
 #include "storage/PackageLayout.h"
-#include "storage/PictureCodec.h"
 
 #include <algorithm>
 #include <map>
@@ -93,8 +93,9 @@ void PackageReader::indexPictures(Document& document, const std::filesystem::pat
             {reinterpret_cast<const std::uint8_t*>(contents.data.get()), contents.size});
         if (!picture)
             continue;
-        images.indexStoredPicture(Identifier(package_layout::pictureKeyFromFileName(entry.name)),
-                                  std::move(picture), entry.name);
+        images.indexStoredPicture(
+            Identifier(package_layout::pictureKeyFromFileName(entry.name)), std::move(picture),
+            std::filesystem::path(package_layout::kImagesDirectory) / entry.name);
         ++summary.pictureFiles;
     }
 }
@@ -138,7 +139,7 @@ std::optional<StorageError> PackageReader::read(Document& document,
     // Byte order of names, so every reader merges the journals in the same order.
     std::sort(journalNames.begin(), journalNames.end());
 
-    const std::string ownJournal = package_layout::journalFileName(document.clientIdentifier());
+    const std::string ownJournal = journalFileName(document.clientIdentifier());
     // Copies of one client's journal (conflict copies, a home folder copied to a second machine)
     // share their records; each record is applied once.
     std::vector<std::string> clients;

@@ -154,7 +154,7 @@ PackageWriter::mergeOwnJournal(Document& document, const std::filesystem::path& 
                                const std::vector<DirectoryEntry>& entries,
                                std::vector<std::string>& foldedCopies) {
     const Identifier& client = document.clientIdentifier();
-    const std::string own = package_layout::journalFileName(client);
+    const std::string own = journalFileName(client);
     std::vector<std::string> names;
     std::optional<FileIdentity> onDisk = m_files.identity(package / own);
     if (onDisk && onDisk != document.ownJournalIdentity())
@@ -194,8 +194,8 @@ PackageWriter::mergeOwnJournal(Document& document, const std::filesystem::path& 
 
 std::optional<StorageError> PackageWriter::writeJournal(Document& document,
                                                         const std::filesystem::path& path) {
-    std::string what = "Couldn't write the journal “" +
-                       package_layout::journalFileName(document.clientIdentifier()) + "”";
+    std::string what =
+        "Couldn't write the journal “" + journalFileName(document.clientIdentifier()) + "”";
     m_files.removeFile(path);
     std::unique_ptr<WritableFile> file;
     if (auto error = m_files.createFile(path, file))
@@ -214,7 +214,7 @@ std::optional<StorageError> PackageWriter::writeJournal(Document& document,
     if (!error && !result.invalidText)
         error = file->close();
     if (!error && !result.invalidText) {
-        document.setJournalMark(package_layout::journalFileName(document.clientIdentifier()),
+        document.setJournalMark(journalFileName(document.clientIdentifier()),
                                 markOf(records, records.size()));
         return std::nullopt;
     }
@@ -277,7 +277,7 @@ std::optional<StorageError> PackageWriter::saveInPlace(Document& document) {
     const std::filesystem::path temporary = package / package_layout::temporaryJournalName(client);
     if (auto error = writeJournal(document, temporary))
         return error;
-    std::string journalName = package_layout::journalFileName(client);
+    std::string journalName = journalFileName(client);
     if (auto error = m_files.rename(temporary, package / journalName)) {
         m_files.removeFile(temporary);
         return writeError(error, "Couldn't replace the journal “" + journalName + "”");
@@ -309,8 +309,8 @@ std::optional<StorageError> PackageWriter::buildPackage(Document& document,
             if (auto error = m_files.copyFile(from / name, images / name))
                 return writeError(error, "Couldn't carry over the picture “" + name + "”");
     }
-    if (auto error = writeJournal(
-            document, directory / package_layout::journalFileName(document.clientIdentifier())))
+    if (auto error =
+            writeJournal(document, directory / journalFileName(document.clientIdentifier())))
         return error;
     if (current)
         if (auto error = carryOver(document, *current, directory))
@@ -332,7 +332,7 @@ std::optional<StorageError> PackageWriter::carryOver(Document& document,
     std::vector<DirectoryEntry> entries;
     if (m_files.listDirectory(resolvedPackage(from), entries))
         return std::nullopt;
-    std::string ownJournal = package_layout::journalFileName(document.clientIdentifier());
+    std::string ownJournal = journalFileName(document.clientIdentifier());
     for (const DirectoryEntry& entry : entries) {
         std::filesystem::path source = from / entry.name;
         diagnostics::writeLine(source.string());
@@ -394,8 +394,8 @@ std::optional<StorageError> PackageWriter::saveTo(Document& document,
         return writeError(syncError, "Couldn't save the notebook " + quoted(location));
     bool hadLocation = current.has_value();
     document.setFileLocation(location);
-    document.setOwnJournalIdentity(m_files.identity(
-        resolvedPackage(location) / package_layout::journalFileName(document.clientIdentifier())));
+    document.setOwnJournalIdentity(
+        m_files.identity(resolvedPackage(location) / journalFileName(document.clientIdentifier())));
     finishSave(document, hadLocation);
     return std::nullopt;
 }

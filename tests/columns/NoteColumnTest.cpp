@@ -115,7 +115,8 @@ TEST_P(OpeningNotes, ShowsTheNoteAsItsKindWants) {
     NodePtr note = kind == "text" ? add(parent, "text") : addPicture(parent, {4, 2});
     if (kind != "text" && kind != "unsaved picture") {
         document.setFileLocation(package.path().toStdString());
-        document.images().indexStoredPicture(*note->imageIdentifier(), nullptr, "picture.png");
+        document.images().indexStoredPicture(*note->imageIdentifier(), nullptr,
+                                             "images/picture.png");
     }
     if (kind == "picture" || kind == "unviewable picture") {
         QDir(package.path()).mkdir(QStringLiteral("images"));

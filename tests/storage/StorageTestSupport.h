@@ -2,7 +2,7 @@
 
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
-#include "storage/PictureCodec.h"
+#include "document/PictureCodec.h"
 
 #include <filesystem>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "document/PictureCodec.h"
 #include "model/Identifier.h"
-#include "storage/PictureCodec.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -19,7 +19,7 @@ struct ImageData {
     std::string fileExtension; // without the dot: "jpg", "png", "tiff"
 };
 
-// A notebook's pictures: decoded pictures by key, the file names found in the package, and the
+// A notebook's pictures: decoded pictures by key, where their files lie in the package, and the
 // bytes of pictures not saved yet. Bytes of a picture note whose addition was undone are held
 // aside, so a save in between does not write them and a redo brings them back.
 class ImageStore {
@@ -37,8 +37,8 @@ public:
     std::optional<std::filesystem::path>
     url(const Identifier& key, const std::optional<std::filesystem::path>& packageLocation) const;
 
-    // Records a picture found in the package's "images" directory.
-    void indexStoredPicture(const Identifier& key, PicturePtr image, std::string fileName);
+    // Records a picture found in the package; `file` is its path inside the package.
+    void indexStoredPicture(const Identifier& key, PicturePtr image, std::filesystem::path file);
     // Indexes the stored pictures of another store (a fresh read of the same package) that this
     // one does not know yet.
     void adoptStoredPictures(const ImageStore& other);
@@ -52,9 +52,6 @@ public:
     const std::map<Identifier, ImageData>& temporarilyDeletedData() const {
         return m_temporarilyDeletedData;
     }
-    const std::unordered_map<Identifier, std::string, IdentifierHash>& imagePathCache() const {
-        return m_imagePathCache;
-    }
     std::size_t pictureCount() const { return m_imageCache.size(); }
     // After a save to a known location the new pictures are on disk and carried over from there.
     void forgetNewImageData() { m_newImageData.clear(); }
@@ -64,7 +61,7 @@ public:
 private:
     const PictureCodec* m_codec;
     std::unordered_map<Identifier, PicturePtr, IdentifierHash> m_imageCache;
-    std::unordered_map<Identifier, std::string, IdentifierHash> m_imagePathCache;
+    std::unordered_map<Identifier, std::filesystem::path, IdentifierHash> m_imagePathCache;
     std::map<Identifier, ImageData> m_newImageData;
     std::map<Identifier, ImageData> m_temporarilyDeletedData;
 };

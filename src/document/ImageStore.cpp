@@ -1,4 +1,4 @@
-#include "storage/ImageStore.h"
+#include "document/ImageStore.h"
 
 namespace quillery {
 
@@ -28,12 +28,13 @@ ImageStore::url(const Identifier& key,
     auto found = m_imagePathCache.find(key);
     if (found == m_imagePathCache.end())
         return std::nullopt;
-    return *packageLocation / "images" / found->second;
+    return *packageLocation / found->second;
 }
 
-void ImageStore::indexStoredPicture(const Identifier& key, PicturePtr image, std::string fileName) {
+void ImageStore::indexStoredPicture(const Identifier& key, PicturePtr image,
+                                    std::filesystem::path file) {
     m_imageCache[key] = std::move(image);
-    m_imagePathCache[key] = std::move(fileName);
+    m_imagePathCache[key] = std::move(file);
 }
 
 void ImageStore::holdAside(const Identifier& key) {
@@ -47,9 +48,9 @@ void ImageStore::bringBack(const Identifier& key) {
 }
 
 void ImageStore::adoptStoredPictures(const ImageStore& other) {
-    for (const auto& [key, fileName] : other.m_imagePathCache)
+    for (const auto& [key, file] : other.m_imagePathCache)
         if (!m_imagePathCache.contains(key)) {
-            m_imagePathCache.emplace(key, fileName);
+            m_imagePathCache.emplace(key, file);
             if (auto found = other.m_imageCache.find(key); found != other.m_imageCache.end())
                 m_imageCache.insert_or_assign(key, found->second);
         }
