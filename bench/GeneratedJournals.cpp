@@ -69,7 +69,7 @@ std::size_t writeJournal(const std::filesystem::path& package, const Identifier&
     std::filesystem::remove(path);
     PosixFileSystem files;
     std::unique_ptr<WritableFile> file;
-    if (files.createFile(path, file))
+    if (files.createFile(path, FileAccess::everyone, file))
         throw std::runtime_error("cannot create " + path.string());
     if (!JournalWriter().write(*file, client, std::chrono::system_clock::now(), diffs) ||
         file->close())

@@ -4,7 +4,8 @@
 #include "app/DocumentController.h"
 #include "app/QtPictureCodec.h"
 #include "app/SingleInstance.h"
-#include "document/JsonFilePreferences.h"
+#include "storage/JsonFilePreferences.h"
+#include "storage/PosixFileSystem.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -52,7 +53,8 @@ int main(int argc, char* argv[]) {
         break;
     }
 
-    quillery::JsonFilePreferences preferences;
+    quillery::PosixFileSystem files;
+    quillery::JsonFilePreferences preferences(files);
     quillery::QtPictureCodec codec;
     quillery::DialogPrompts prompts;
     quillery::DocumentController controller(preferences, codec, prompts);

@@ -19,16 +19,15 @@ bool NotebookSession::report(const std::optional<StorageError>& error) {
 }
 
 bool NotebookSession::open(const std::filesystem::path& package, package::PackageSummary* summary) {
-    PosixFileSystem files;
-    return report(package::read(m_document, package, m_codec, files, summary));
+    return report(package::read(m_document, package, m_codec, m_files, summary));
 }
 
 bool NotebookSession::saveInPlace() {
-    return report(package::saveInPlace(m_document));
+    return report(package::saveInPlace(m_document, m_files));
 }
 
 bool NotebookSession::saveTo(const std::filesystem::path& package) {
-    return report(package::saveTo(m_document, package));
+    return report(package::saveTo(m_document, package, m_files));
 }
 
 bool NotebookSession::standsInTree(const Identifier& identifier) const {

@@ -2,8 +2,8 @@
 
 #include "base/Diagnostics.h"
 #include "document/Document.h"
-#include "document/JsonFilePreferences.h"
 #include "storage/HeaderPictureCodec.h"
+#include "storage/JsonFilePreferences.h"
 #include "storage/NotebookPackage.h"
 #include "storage/PosixFileSystem.h"
 
@@ -33,7 +33,8 @@ private:
 
     std::ostream& m_err;
     diagnostics::ScopedSink m_sink;
-    JsonFilePreferences m_preferences;
+    PosixFileSystem m_files;
+    JsonFilePreferences m_preferences{m_files};
     HeaderPictureCodec m_codec;
     Document m_document;
 };

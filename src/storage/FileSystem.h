@@ -47,6 +47,12 @@ struct FileContents {
     std::string_view view() const { return {data.get(), size}; }
 };
 
+// Who may read a file once it is made.
+enum class FileAccess {
+    everyone,  // the files of a package, which sync tools and other programs read
+    ownerOnly, // this installation's preferences
+};
+
 // A file being written. Nothing is durable before sync() returned without error.
 class WritableFile {
 public:
@@ -81,12 +87,14 @@ public:
     // Reads a whole regular file; fails on a link or anything but a regular file.
     virtual std::error_code readFile(const std::filesystem::path& path, FileContents& contents) = 0;
     // Creates a new file; fails when anything (also a dangling link) is already there.
-    virtual std::error_code createFile(const std::filesystem::path& path,
+    virtual std::error_code createFile(const std::filesystem::path& path, FileAccess access,
                                        std::unique_ptr<WritableFile>& file) = 0;
     // Copies a regular file's bytes to a new file and flushes it; fails on a link.
     virtual std::error_code copyFile(const std::filesystem::path& from,
                                      const std::filesystem::path& to) = 0;
     virtual std::error_code createDirectory(const std::filesystem::path& path) = 0;
+    // Makes the folder and every folder above it that is missing.
+    virtual std::error_code createDirectories(const std::filesystem::path& path) = 0;
     // Replaces whatever file is at `to` in one step.
     virtual std::error_code rename(const std::filesystem::path& from,
                                    const std::filesystem::path& to) = 0;
@@ -99,6 +107,10 @@ public:
     virtual std::error_code removeTree(const std::filesystem::path& path) = 0;
     // Makes the directory's entries (creations, renames) durable.
     virtual std::error_code syncDirectory(const std::filesystem::path& path) = 0;
+    // Where a path whose last part is a symbolic link leads, resolved all the way; the path itself
+    // when it is no link or the link leads nowhere. For the places a user names (a package, the
+    // preferences file), which may be links; nothing inside a package is ever resolved.
+    virtual std::filesystem::path resolvedLink(const std::filesystem::path& path) = 0;
     // The entry itself (links are not followed); nothing when it is missing.
     virtual std::optional<FileIdentity> identity(const std::filesystem::path& path) = 0;
     // Waits for an exclusive lock on the file, making it and its folder when missing.

@@ -48,10 +48,7 @@ std::optional<StorageError> saveTo(Document& document, const std::filesystem::pa
 
 std::optional<StorageError> checkNotebookFolder(const std::filesystem::path& location,
                                                 FileSystem& files) {
-    std::error_code error;
-    std::filesystem::path folder = location;
-    if (std::filesystem::is_symlink(std::filesystem::symlink_status(location, error)))
-        folder = std::filesystem::canonical(location, error);
+    const std::filesystem::path folder = files.resolvedLink(location);
     if (files.entryType(folder) != EntryType::directory ||
         location.filename().string().ends_with(package_layout::kPackageExtension) ||
         folder.filename().string().ends_with(package_layout::kPackageExtension))

@@ -19,18 +19,6 @@ std::string quoted(const std::filesystem::path& path) {
     return "“" + path.filename().string() + "”";
 }
 
-// The package the user named may itself be a link (a notebook kept in a synced folder); only the
-// entries inside it are held to the no-link rule.
-std::filesystem::path resolvedPackage(const std::filesystem::path& location) {
-    std::error_code error;
-    if (std::filesystem::is_symlink(std::filesystem::symlink_status(location, error))) {
-        auto target = std::filesystem::canonical(location, error);
-        if (!error)
-            return target;
-    }
-    return location;
-}
-
 bool earlier(const DocumentDiff& a, const DocumentDiff& b) {
     return a.timestamp < b.timestamp;
 }
@@ -105,7 +93,9 @@ std::optional<StorageError> PackageReader::read(Document& document,
                                                 package::PackageSummary* summary,
                                                 const std::vector<DocumentDiff>* ownRecords) {
     package::PackageSummary found;
-    std::filesystem::path package = resolvedPackage(location);
+    // The package the user named may itself be a link (a notebook kept in a synced folder); only
+    // the entries inside it are held to the no-link rule.
+    std::filesystem::path package = m_files.resolvedLink(location);
     EntryType type = m_files.entryType(package);
     if (type == EntryType::missing)
         return StorageError{std::string(storage_errors::kCocoaDomain),

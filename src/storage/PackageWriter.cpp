@@ -20,17 +20,6 @@ StorageError writeError(const std::error_code& error, std::string_view what) {
     return storage_errors::fromFileError(error, true, what);
 }
 
-// The package the user named may itself be a link; only entries inside it must not be links.
-std::filesystem::path resolvedPackage(const std::filesystem::path& location) {
-    std::error_code error;
-    if (std::filesystem::is_symlink(std::filesystem::symlink_status(location, error))) {
-        auto target = std::filesystem::canonical(location, error);
-        if (!error)
-            return target;
-    }
-    return location;
-}
-
 // Writers of one journal on this machine take turns through a lock file outside the package (a
 // synced folder must not carry it), named after the package folder and the client.
 std::filesystem::path lockDirectory() {
@@ -49,9 +38,11 @@ std::filesystem::path lockDirectory() {
     return std::filesystem::temp_directory_path() / "quillery-locks";
 }
 
-bool sameLocation(const std::filesystem::path& a, const std::filesystem::path& b) {
-    std::error_code error;
-    return std::filesystem::equivalent(a, b, error) && !error;
+bool sameLocation(FileSystem& files, const std::filesystem::path& a,
+                  const std::filesystem::path& b) {
+    const std::optional<FileIdentity> first = files.identity(files.resolvedLink(a));
+    const std::optional<FileIdentity> second = files.identity(files.resolvedLink(b));
+    return first && second && first->device == second->device && first->inode == second->inode;
 }
 
 } // namespace
@@ -68,7 +59,7 @@ PackageWriter::listStoredPictures(const std::optional<std::filesystem::path>& pa
     std::filesystem::path images = *package / package_layout::kImagesDirectory;
     diagnostics::writeLine("imagesURL = " + images.string());
     std::vector<DirectoryEntry> entries;
-    if (m_files.listDirectory(resolvedPackage(*package) / package_layout::kImagesDirectory,
+    if (m_files.listDirectory(m_files.resolvedLink(*package) / package_layout::kImagesDirectory,
                               entries))
         return stored;
     for (const DirectoryEntry& entry : entries) {
@@ -112,7 +103,7 @@ PackageWriter::writeNewPictures(Document& document, const std::filesystem::path&
                                          : target;
         std::string what = "Couldn't write the picture “" + name + "”";
         std::unique_ptr<WritableFile> file;
-        std::error_code error = m_files.createFile(path, file);
+        std::error_code error = m_files.createFile(path, FileAccess::everyone, file);
         if (!error)
             error = file->append(
                 {reinterpret_cast<const char*>(picture.data.data()), picture.data.size()});
@@ -198,7 +189,7 @@ std::optional<StorageError> PackageWriter::writeJournal(Document& document,
         "Couldn't write the journal “" + journalFileName(document.clientIdentifier()) + "”";
     m_files.removeFile(path);
     std::unique_ptr<WritableFile> file;
-    if (auto error = m_files.createFile(path, file))
+    if (auto error = m_files.createFile(path, FileAccess::everyone, file))
         return writeError(error, what);
     // The log alone, unless records of other writers were adopted: a large log is not copied.
     std::vector<DocumentDiff> merged;
@@ -232,7 +223,7 @@ std::optional<StorageError> PackageWriter::saveInPlace(Document& document) {
                             storage_errors::kWriteUnknown,
                             "The notebook has not been saved yet; choose where to save it."};
     const std::filesystem::path location = *document.fileLocation();
-    const std::filesystem::path package = resolvedPackage(location);
+    const std::filesystem::path package = m_files.resolvedLink(location);
     EntryType type = m_files.entryType(package);
     if (type == EntryType::missing)
         return saveTo(document, location); // moved or deleted meanwhile: write it anew
@@ -304,7 +295,8 @@ std::optional<StorageError> PackageWriter::buildPackage(Document& document,
     if (auto error = writeNewPictures(document, images, onDisk, false))
         return error;
     if (current) {
-        std::filesystem::path from = resolvedPackage(*current) / package_layout::kImagesDirectory;
+        std::filesystem::path from =
+            m_files.resolvedLink(*current) / package_layout::kImagesDirectory;
         for (const std::string& name : onDisk)
             if (auto error = m_files.copyFile(from / name, images / name))
                 return writeError(error, "Couldn't carry over the picture “" + name + "”");
@@ -330,7 +322,7 @@ std::optional<StorageError> PackageWriter::carryOver(Document& document,
     // links are not carried.
     diagnostics::writeLine("fileURL = " + from.string());
     std::vector<DirectoryEntry> entries;
-    if (m_files.listDirectory(resolvedPackage(from), entries))
+    if (m_files.listDirectory(m_files.resolvedLink(from), entries))
         return std::nullopt;
     std::string ownJournal = journalFileName(document.clientIdentifier());
     for (const DirectoryEntry& entry : entries) {
@@ -340,7 +332,8 @@ std::optional<StorageError> PackageWriter::carryOver(Document& document,
             entry.name.find(ownJournal) != std::string::npos ||
             package_layout::isTemporaryName(entry.name))
             continue;
-        if (auto error = m_files.copyFile(resolvedPackage(from) / entry.name, to / entry.name)) {
+        if (auto error =
+                m_files.copyFile(m_files.resolvedLink(from) / entry.name, to / entry.name)) {
             m_files.removeFile(to / entry.name);
             diagnostics::writeLine("Error fileURL :" + source.string());
             // Leaving out another client's journal would lose its records.
@@ -354,7 +347,7 @@ std::optional<StorageError> PackageWriter::carryOver(Document& document,
 std::optional<StorageError> PackageWriter::saveTo(Document& document,
                                                   const std::filesystem::path& location) {
     const auto& current = document.fileLocation();
-    if (current && sameLocation(*current, location))
+    if (current && sameLocation(m_files, *current, location))
         return saveInPlace(document);
     if (auto error = package::checkNotebookFolder(location, m_files))
         return error;
@@ -394,8 +387,8 @@ std::optional<StorageError> PackageWriter::saveTo(Document& document,
         return writeError(syncError, "Couldn't save the notebook " + quoted(location));
     bool hadLocation = current.has_value();
     document.setFileLocation(location);
-    document.setOwnJournalIdentity(
-        m_files.identity(resolvedPackage(location) / journalFileName(document.clientIdentifier())));
+    document.setOwnJournalIdentity(m_files.identity(m_files.resolvedLink(location) /
+                                                    journalFileName(document.clientIdentifier())));
     finishSave(document, hadLocation);
     return std::nullopt;
 }

@@ -182,9 +182,10 @@ std::error_code PosixFileSystem::readFile(const std::filesystem::path& path,
     return {};
 }
 
-std::error_code PosixFileSystem::createFile(const std::filesystem::path& path,
+std::error_code PosixFileSystem::createFile(const std::filesystem::path& path, FileAccess access,
                                             std::unique_ptr<WritableFile>& file) {
-    int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
+    const mode_t mode = access == FileAccess::ownerOnly ? 0600 : 0644;
+    int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
     if (fd < 0)
         return lastError();
     file = std::make_unique<PosixWritableFile>(fd);
@@ -199,7 +200,7 @@ std::error_code PosixFileSystem::copyFile(const std::filesystem::path& from,
         return error;
     FileDescriptor in(rawIn);
     std::unique_ptr<WritableFile> out;
-    if (auto error = createFile(to, out))
+    if (auto error = createFile(to, FileAccess::everyone, out))
         return error;
     constexpr std::size_t kChunk = 1 << 20;
     auto buffer = std::make_unique_for_overwrite<char[]>(kChunk);
@@ -222,6 +223,12 @@ std::error_code PosixFileSystem::copyFile(const std::filesystem::path& from,
 
 std::error_code PosixFileSystem::createDirectory(const std::filesystem::path& path) {
     return ::mkdir(path.c_str(), 0755) == 0 ? std::error_code{} : lastError();
+}
+
+std::error_code PosixFileSystem::createDirectories(const std::filesystem::path& path) {
+    std::error_code error;
+    std::filesystem::create_directories(path, error);
+    return error;
 }
 
 std::error_code PosixFileSystem::rename(const std::filesystem::path& from,
@@ -272,6 +279,14 @@ private:
 
 } // namespace
 
+std::filesystem::path PosixFileSystem::resolvedLink(const std::filesystem::path& path) {
+    std::error_code error;
+    if (!std::filesystem::is_symlink(std::filesystem::symlink_status(path, error)))
+        return path;
+    std::filesystem::path target = std::filesystem::canonical(path, error);
+    return error ? path : target;
+}
+
 std::optional<FileIdentity> PosixFileSystem::identity(const std::filesystem::path& path) {
     struct stat info {};
     if (::lstat(path.c_str(), &info) != 0)
@@ -283,9 +298,8 @@ std::optional<FileIdentity> PosixFileSystem::identity(const std::filesystem::pat
 
 std::error_code PosixFileSystem::lockExclusively(const std::filesystem::path& path,
                                                  std::unique_ptr<FileLock>& lock) {
-    std::error_code error;
-    std::filesystem::create_directories(path.parent_path(), error);
-    if (error)
+    // Not through the virtual createDirectories: a lock is no change to a package.
+    if (auto error = PosixFileSystem::createDirectories(path.parent_path()))
         return error;
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
     if (fd < 0)

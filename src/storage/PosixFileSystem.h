@@ -12,11 +12,12 @@ public:
     std::error_code listDirectory(const std::filesystem::path& path,
                                   std::vector<DirectoryEntry>& entries) override;
     std::error_code readFile(const std::filesystem::path& path, FileContents& contents) override;
-    std::error_code createFile(const std::filesystem::path& path,
+    std::error_code createFile(const std::filesystem::path& path, FileAccess access,
                                std::unique_ptr<WritableFile>& file) override;
     std::error_code copyFile(const std::filesystem::path& from,
                              const std::filesystem::path& to) override;
     std::error_code createDirectory(const std::filesystem::path& path) override;
+    std::error_code createDirectories(const std::filesystem::path& path) override;
     std::error_code rename(const std::filesystem::path& from,
                            const std::filesystem::path& to) override;
     std::error_code exchange(const std::filesystem::path& a,
@@ -24,6 +25,7 @@ public:
     std::error_code removeFile(const std::filesystem::path& path) override;
     std::error_code removeTree(const std::filesystem::path& path) override;
     std::error_code syncDirectory(const std::filesystem::path& path) override;
+    std::filesystem::path resolvedLink(const std::filesystem::path& path) override;
     std::optional<FileIdentity> identity(const std::filesystem::path& path) override;
     std::error_code lockExclusively(const std::filesystem::path& path,
                                     std::unique_ptr<FileLock>& lock) override;

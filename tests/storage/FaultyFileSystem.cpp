@@ -54,12 +54,12 @@ std::error_code FaultyFileSystem::step(std::string what) {
     return kInjected;
 }
 
-std::error_code FaultyFileSystem::createFile(const std::filesystem::path& path,
+std::error_code FaultyFileSystem::createFile(const std::filesystem::path& path, FileAccess access,
                                              std::unique_ptr<WritableFile>& file) {
     if (auto error = step("create " + path.filename().string()))
         return error;
     std::unique_ptr<WritableFile> real;
-    if (auto error = PosixFileSystem::createFile(path, real))
+    if (auto error = PosixFileSystem::createFile(path, access, real))
         return error;
     file = std::make_unique<FaultyWritableFile>(*this, std::move(real), path.filename().string());
     return {};
@@ -76,6 +76,12 @@ std::error_code FaultyFileSystem::createDirectory(const std::filesystem::path& p
     if (auto error = step("mkdir " + path.filename().string()))
         return error;
     return PosixFileSystem::createDirectory(path);
+}
+
+std::error_code FaultyFileSystem::createDirectories(const std::filesystem::path& path) {
+    if (auto error = step("mkdirs " + path.filename().string()))
+        return error;
+    return PosixFileSystem::createDirectories(path);
 }
 
 std::error_code FaultyFileSystem::rename(const std::filesystem::path& from,

@@ -23,11 +23,12 @@ public:
     // Counts one step; gives the injected error when this step is to fail.
     std::error_code step(std::string what);
 
-    std::error_code createFile(const std::filesystem::path& path,
+    std::error_code createFile(const std::filesystem::path& path, FileAccess access,
                                std::unique_ptr<WritableFile>& file) override;
     std::error_code copyFile(const std::filesystem::path& from,
                              const std::filesystem::path& to) override;
     std::error_code createDirectory(const std::filesystem::path& path) override;
+    std::error_code createDirectories(const std::filesystem::path& path) override;
     std::error_code rename(const std::filesystem::path& from,
                            const std::filesystem::path& to) override;
     std::error_code exchange(const std::filesystem::path& a,

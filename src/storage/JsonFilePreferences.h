@@ -11,14 +11,17 @@
 
 namespace quillery {
 
+class FileSystem;
+
 // The installation's preferences as one small JSON object in a file, shared by the app and the
 // command-line tool. Keys this program does not know are written back unchanged. Saving writes a
 // temporary file beside the real one, flushes it and renames it over, so a crash never leaves a
 // half-written file. A file that is not a JSON object reads as empty; the next save first moves
 // it aside to "<file>.corrupt" (replacing an older backup), so nothing is overwritten unseen.
+// Every file access goes through `files`, which must outlive the preferences.
 class JsonFilePreferences : public Preferences {
 public:
-    explicit JsonFilePreferences(std::filesystem::path file = defaultLocation(),
+    explicit JsonFilePreferences(FileSystem& files, std::filesystem::path file = defaultLocation(),
                                  std::filesystem::path machineFile = "/etc/machine-id");
 
     // $XDG_CONFIG_HOME/quillery/preferences.json, or ~/.config/quillery/preferences.json.
@@ -32,8 +35,6 @@ public:
     // The first line of the machine file (systemd's machine identifier).
     std::optional<std::string> machineIdentifier() const override { return m_machine; }
 
-    const std::filesystem::path& file() const { return m_file; }
-
 private:
     // A text, or any other JSON value kept as its exact JSON text.
     struct Value {
@@ -43,10 +44,11 @@ private:
     using Entries = std::vector<std::pair<std::string, Value>>;
 
     // Nothing when the file exists but is not a JSON object; empty when it does not exist.
-    static std::optional<Entries> load(const std::filesystem::path& file);
+    std::optional<Entries> load();
     static void set(Entries& entries, std::string_view key, Value value);
     bool writeAtomically(const Entries& entries);
 
+    FileSystem& m_files;
     std::filesystem::path m_file;
     std::optional<std::string> m_machine;
     Entries m_entries;

@@ -1,12 +1,9 @@
-#include "document/JsonFilePreferences.h"
+#include "storage/JsonFilePreferences.h"
 
 #include "base/Diagnostics.h"
+#include "storage/FileSystem.h"
 
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
-#include <fstream>
 #include <simdjson.h>
 #include <unistd.h>
 
@@ -46,37 +43,24 @@ void appendJsonString(std::string& out, std::string_view text) {
     out += '"';
 }
 
-bool writeAll(int fd, const std::string& content) {
-    std::size_t written = 0;
-    while (written < content.size()) {
-        ssize_t n = ::write(fd, content.data() + written, content.size() - written);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        written += static_cast<std::size_t>(n);
-    }
-    return true;
-}
-
-void reportFailure(const std::filesystem::path& file, const char* what) {
-    std::string line = "Couldn't save preferences to ";
-    line += file.string();
-    line += ": ";
-    line += what;
-    diagnostics::writeLine(line);
+void reportFailure(const std::filesystem::path& file, const std::string& what) {
+    diagnostics::writeLine("Couldn't save preferences to " + file.string() + ": " + what);
 }
 
 } // namespace
 
-JsonFilePreferences::JsonFilePreferences(std::filesystem::path file,
+JsonFilePreferences::JsonFilePreferences(FileSystem& files, std::filesystem::path file,
                                          std::filesystem::path machineFile)
-    : m_file(std::move(file)) {
-    m_entries = load(m_file).value_or(Entries{});
-    std::ifstream machine(machineFile);
-    std::string line;
-    if (std::getline(machine, line) && !line.empty())
-        m_machine = line;
+    : m_files(files)
+    , m_file(std::move(file)) {
+    m_entries = load().value_or(Entries{});
+    FileContents machine;
+    if (!m_files.readFile(m_files.resolvedLink(machineFile), machine)) {
+        const std::string_view text = machine.view();
+        const std::string_view line = text.substr(0, text.find('\n'));
+        if (!line.empty())
+            m_machine = std::string(line);
+    }
 }
 
 std::filesystem::path JsonFilePreferences::defaultLocation() {
@@ -105,14 +89,11 @@ void JsonFilePreferences::setString(std::string_view key, std::string value) {
 void JsonFilePreferences::synchronize() {
     if (m_changedKeys.empty())
         return;
-    std::error_code error;
-    const bool exists = std::filesystem::exists(m_file, error);
-    std::optional<Entries> onDisk = exists ? load(m_file) : Entries{};
+    std::optional<Entries> onDisk = load();
     if (!onDisk) {
         std::filesystem::path backup = m_file;
         backup += ".corrupt";
-        std::filesystem::rename(m_file, backup, error);
-        if (error) {
+        if (m_files.rename(m_file, backup)) {
             reportFailure(m_file, "the unreadable file could not be moved aside");
             return;
         }
@@ -129,17 +110,18 @@ void JsonFilePreferences::synchronize() {
     m_changedKeys.clear();
 }
 
-std::optional<JsonFilePreferences::Entries>
-JsonFilePreferences::load(const std::filesystem::path& file) {
-    std::error_code error;
-    if (!std::filesystem::exists(file, error))
+std::optional<JsonFilePreferences::Entries> JsonFilePreferences::load() {
+    // The file may be a link the user made (a dotfile kept elsewhere); a dangling one is no file.
+    const std::filesystem::path file = m_files.resolvedLink(m_file);
+    const EntryType type = m_files.entryType(file);
+    if (type == EntryType::missing || type == EntryType::symbolicLink)
         return Entries{};
-    simdjson::padded_string json;
-    if (simdjson::padded_string::load(file.string()).get(json))
+    FileContents contents;
+    if (m_files.readFile(file, contents))
         return std::nullopt;
     simdjson::dom::parser parser;
     simdjson::dom::object object;
-    if (parser.parse(json).get_object().get(object))
+    if (parser.parse(contents.data.get(), contents.size, false).get_object().get(object))
         return std::nullopt;
     Entries entries;
     for (auto field : object) {
@@ -176,32 +158,33 @@ bool JsonFilePreferences::writeAtomically(const Entries& entries) {
     }
     content += entries.empty() ? "}\n" : "\n}\n";
 
-    std::error_code error;
     const std::filesystem::path directory = m_file.parent_path();
-    std::filesystem::create_directories(directory, error);
-    if (error) {
+    if (m_files.createDirectories(directory)) {
         reportFailure(m_file, "the folder could not be made");
         return false;
     }
     std::filesystem::path temporary = m_file;
     temporary += ".tmp-" + std::to_string(::getpid());
-    int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd < 0) {
-        reportFailure(m_file, std::strerror(errno));
-        return false;
-    }
-    bool ok = writeAll(fd, content) && ::fsync(fd) == 0;
-    ok = ::close(fd) == 0 && ok;
-    if (!ok || ::rename(temporary.c_str(), m_file.c_str()) != 0) {
-        reportFailure(m_file, std::strerror(errno));
-        ::unlink(temporary.c_str());
+    // Left by a process of the same number that stopped part-way.
+    m_files.removeFile(temporary);
+    std::unique_ptr<WritableFile> file;
+    std::error_code error = m_files.createFile(temporary, FileAccess::ownerOnly, file);
+    if (!error)
+        error = file->append(content);
+    if (!error)
+        error = file->sync();
+    if (!error)
+        error = file->close();
+    if (!error)
+        error = m_files.rename(temporary, m_file);
+    if (error) {
+        reportFailure(m_file, error.message());
+        file.reset();
+        m_files.removeFile(temporary);
         return false;
     }
     // The rename itself lasts only once the folder is flushed.
-    if (int dirFd = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); dirFd >= 0) {
-        ::fsync(dirFd);
-        ::close(dirFd);
-    }
+    m_files.syncDirectory(directory);
     return true;
 }
 
