@@ -4,33 +4,19 @@
 #include "model/Identifier.h"
 #include "model/PlainDictionary.h"
 
-#include <optional>
-#include <vector>
-
 namespace quillery {
 
 // The change record: the one unit in which a notebook is changed, journaled, merged and undone.
+// Its journal form holds "timestamp" and "identifier" and, at the same level, every payload key.
 struct DocumentDiff {
     TimePoint timestamp;
     Identifier identifier;
-    // Never set by this system and never written; empty when absent.
-    Identifier groupIdentifier;
     PlainDictionary payload;
 
-    // A record stamped with the current time.
-    DocumentDiff(Identifier identifier, PlainDictionary payload);
-    DocumentDiff(TimePoint timestamp, Identifier identifier, PlainDictionary payload);
-
-    // The journal form: "timestamp" and "identifier", then every payload key at the same level
-    // (a payload "timestamp" or "identifier" wins).
-    PlainDictionary asPlainDictionary() const;
+    DocumentDiff(TimePoint timestamp_, Identifier identifier_, PlainDictionary payload_)
+        : timestamp(timestamp_)
+        , identifier(std::move(identifier_))
+        , payload(std::move(payload_)) {}
 };
-
-// Reads one journal record; gives nothing when "timestamp" is not a parsable stamp text or
-// "identifier" is not a text. The payload is everything else.
-std::optional<DocumentDiff> DocumentDiffFromJsonDictionary(PlainDictionary dictionary);
-// Reads a journal's "diffs"; one bad record writes "Bad diff." and rejects the whole list.
-std::optional<std::vector<DocumentDiff>>
-DiffsFromPlainDiffs(std::vector<PlainDictionary> plainDiffs);
 
 } // namespace quillery
