@@ -194,7 +194,7 @@ void DocumentWindow::showChangedNote(const DocumentUpdate& change) {
     // the note that now stands there, or else its parent.
     const Identifier& parentIdentifier =
         change.oldParentIdentifier ? *change.oldParentIdentifier : change.node->parentIdentifier();
-    const NodePtr parent = m_document->notebookNode(parentIdentifier);
+    const NodePtr parent = m_document->node(parentIdentifier);
     if (!parent)
         return;
     const auto& children = parent->children();

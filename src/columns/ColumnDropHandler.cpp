@@ -108,7 +108,7 @@ std::optional<NoteMove> planNoteDrop(const Document& document, const NotebookNod
         return NoteMove{dragged, nullptr, static_cast<std::size_t>(row)};
     }
 
-    const NodePtr dragged = document.notebookNode(identifier);
+    const NodePtr dragged = document.node(identifier);
     // The roots never move, whatever an outside drag claims.
     if (!dragged || dragged == document.rootNode() || dragged == document.deletedRootNode())
         return std::nullopt;
@@ -296,7 +296,7 @@ ColumnDropHandler::Outcome ColumnDropHandler::accept(const NodePtr& parentNote,
 NodePtr ColumnDropHandler::addNote(const NodePtr& note, const NotebookNode& toParent, long at,
                                    const char* actionName) {
     m_document.userDidEditTogether(actionName, [&] { m_document.add(*note, toParent, at); });
-    return m_document.notebookNode(note->identifier());
+    return m_document.node(note->identifier());
 }
 
 NodePtr ColumnDropHandler::addPicture(const NotebookNode& toParent, const QImage& image,

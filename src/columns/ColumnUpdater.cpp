@@ -42,18 +42,13 @@ void ColumnUpdater::apply(const DocumentUpdate& update) {
             }
         }
         break;
-    case NodeUpdateType::appendedNode:
     case NodeUpdateType::insertedNode:
         if (isParentOf(update)) {
-            const std::optional<std::size_t> index =
-                update.type == NodeUpdateType::appendedNode && parent->children().size() > 0
-                    ? std::optional(parent->children().size() - 1)
-                    : update.newChildIndex;
-            if (!index)
+            if (!update.newChildIndex)
                 return;
             // The identifier may have been measured before, as a new note being typed.
             m_rows.invalidate(update.node->identifier());
-            insertRow(toRow(*index));
+            insertRow(toRow(*update.newChildIndex));
         } else {
             refreshRowShowingParentOf(update);
         }
@@ -113,7 +108,7 @@ void ColumnUpdater::removeRow(int row) {
 }
 
 void ColumnUpdater::refreshRowShowingParentOf(const DocumentUpdate& update) {
-    if (m_document.notebookNode(update.node->parentIdentifier()))
+    if (m_document.node(update.node->parentIdentifier()))
         refreshCount(update.node->parentIdentifier());
 }
 

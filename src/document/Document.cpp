@@ -18,7 +18,6 @@ bool isRootIdentifier(const Identifier& identifier) {
 
 Document::Document(Preferences& preferences, const PictureCodec* pictureCodec, Clock clock)
     : m_clock(clock ? std::move(clock) : Clock([] { return std::chrono::system_clock::now(); }))
-    , m_lastModified(now())
     , m_images(pictureCodec) {
     const std::optional<std::string> stored = preferences.string(kClientIdentifierKey);
     const std::optional<std::string> machine = preferences.machineIdentifier();
@@ -112,7 +111,6 @@ void Document::appendDiff(DocumentDiff diff) {
 
 void Document::touch() {
     ++m_changeCount;
-    m_lastModified = now();
 }
 
 Document::ObserverId Document::addObserver(Observer observer) {

@@ -5,7 +5,6 @@
 #include "document/DocumentUpdate.h"
 #include "document/ImageStore.h"
 #include "document/NodeIndex.h"
-#include "document/NotebookDataStore.h"
 #include "document/UndoManager.h"
 #include "model/DocumentDiff.h"
 #include "model/JournalMerge.h"
@@ -34,7 +33,7 @@ inline constexpr std::string_view kCouldNotFindParentLine =
 // identifier to node, this client's log of records, the undo and redo stacks and the pictures.
 // The tree changes only through applyDiff(); edits, undo, redo and replay all end there.
 // Single-threaded, like the views that show it.
-class Document : public NotebookDataStore {
+class Document {
 public:
     using Clock = std::function<TimePoint()>;
     using Observer = std::function<void(const DocumentUpdate&)>;
@@ -43,7 +42,7 @@ public:
     // Reads this installation's client identifier from the preferences, or makes and stores one.
     explicit Document(Preferences& preferences, const PictureCodec* pictureCodec = nullptr,
                       Clock clock = {});
-    ~Document() override;
+    ~Document();
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
 
@@ -51,7 +50,6 @@ public:
     // Names this open notebook in drag data: new for every document, so that two notebooks
     // sharing note identifiers (a Save As copy and its original) never pass for each other.
     const Identifier& sessionIdentifier() const { return m_sessionIdentifier; }
-    TimePoint lastModified() const { return m_lastModified; }
     TimePoint now() const;
 
     const NodePtr& rootNode() const { return m_rootNode; }
@@ -59,51 +57,40 @@ public:
     std::size_t nodeCount() const { return m_nodeLookup.size(); }
 
     // The node indexed under the identifier, or null.
-    NodePtr node(const Identifier& identifier) const override;
-    NodePtr notebookNode(const Identifier& identifier) const { return node(identifier); }
-    // Indexes the node itself (not its descendants), replacing what was indexed there.
-    void addLookup(NodePtr node) override;
+    NodePtr node(const Identifier& identifier) const;
     // Either root is an ancestor of every node; a node is never its own ancestor.
     bool isNode(const NotebookNode& a, const NotebookNode& ancestorOf) const;
 
     // Replays every record onto the tree with journaling and notifications off, then adopts the
     // client's own records as the log that saving writes back.
     void loadData(std::vector<DocumentDiff> mergedDiffs, std::vector<DocumentDiff> clientDiffs);
-    void appendDiff(DocumentDiff diff);
-    // Marks one change done and sets lastModified to now.
-    void touch();
-    // Applies one record to the tree; announces the outcome to the observers when asked.
+    // Applies one record to the tree; announces the outcome to the observers when asked. Records
+    // from elsewhere come here through a replay or a merge, the document's own through its edits.
     void applyDiff(const DocumentDiff& diff, bool withNotification = false);
 
-    // Edit operations. Each builds one record, journals it with its reverse (when journaling is
-    // on) and applies it with notification.
-    void modify(NotebookNode& node, std::string text) override;
-    // The child is a template: its dictionary form is recorded and a new node is built from it.
-    void add(const NotebookNode& child, const NotebookNode& toNode, long at) override;
+    // Edits journaled with their reverse but registering no undo step: for building a notebook,
+    // and for userDidEditTogether. Adding takes the child as a template: its dictionary form is
+    // recorded and a new node is built from it. Moving to a place names the child there.
+    void add(const NotebookNode& child, const NotebookNode& toNode, long at);
     void move(NotebookNode& child, const NotebookNode& toParentNode, std::optional<std::size_t> at);
-    void move(NotebookNode& child, std::size_t to);
 
-    // The same, each also naming and registering one undo step.
+    // The user's edits. Each builds one record, journals it with its reverse (when journaling is
+    // on), applies it with notification, and names and registers one undo step.
     void userDidModify(NotebookNode& node, std::string text);
     void userDidAdd(const NotebookNode& child, const NotebookNode& toNode, long at);
     void userDidMove(NotebookNode& child, const NotebookNode& toParent,
                      std::optional<std::size_t> at = std::nullopt);
     void userDidMove(NotebookNode& child, std::size_t to);
-    // Runs edits made with the operations above that do not register steps (add, modify, move)
-    // and registers what they journaled as one undo step under the name: an import or a paste
-    // of many notes is undone and redone as a whole.
+    // Runs edits made with add() and move(), which register no step, and registers what they
+    // journaled as one undo step under the name: an import or a paste of many notes is undone and
+    // redone as a whole.
     void userDidEditTogether(const char* actionName, const std::function<void()>& edits);
 
     // Deleting moves the note to the end of the deleted notes; the record also says where the note
     // stood, so that it can be put back there later, also by another installation.
     void userDidDelete(NotebookNode& node, const char* actionName = "Delete Note");
-    // Where a deleted note goes back to: its former parent at its former place while that parent
-    // is in the notebook outside the deleted notes, else the end of the top level (no index).
-    struct Place {
-        NodePtr parent;
-        std::optional<std::size_t> index;
-    };
-    Place putBackPlace(const NotebookNode& node) const;
+    // Moves a deleted note back to its former parent at its former place while that parent is in
+    // the notebook outside the deleted notes, else to the end of the top level.
     void userDidPutBack(NotebookNode& node);
     const DeletionOrigin* deletionOrigin(const Identifier& node) const {
         return m_deletionOrigins.find(node);
@@ -111,25 +98,11 @@ public:
     // Whether the node stands in the tree under the root, not among the deleted notes.
     bool isInNotebook(const NotebookNode& node) const;
 
-    // The record that takes a forward record back, read off the tree before it is applied.
-    DocumentDiff reverseDiff(const DocumentDiff& forward) const;
-    void registerUndo();
-    // Why the next undo cannot take its edit back once records from elsewhere changed the tree
-    // (the note it is about, or the note it would move it back to, is gone); nothing when it can.
-    std::optional<std::string> undoProblem() const;
-    // Take back or apply again that many records (one undo step's worth) and register the step
-    // that goes the other way.
-    void undo(std::size_t records = 1);
-    void redo(std::size_t records = 1);
-
+    // This client's log: the records a save writes to its journal.
     const std::vector<DocumentDiff>& diffs() const { return m_diffs; }
-    const std::vector<DocumentDiff>& undoDiffs() const { return m_undoDiffs; }
-    const std::vector<DocumentDiff>& redoDiffs() const { return m_redoDiffs; }
-    bool journalingEnabled() const { return m_journalingEnabled; }
 
-    // The history the app's Edit menu drives; null while none is attached. Its steps call back
-    // into this document: clear it (removeAllActions) or drop it before the document goes.
-    UndoManager* undoManager() const { return m_undoManager; }
+    // The history the app's Edit menu drives; undo and redo run only through it. Its steps call
+    // back into this document: clear it (removeAllActions) or drop it before the document goes.
     void setUndoManager(UndoManager* undoManager) { m_undoManager = undoManager; }
 
     // Edits and redos count up, undos count down; the document has unsaved changes while the
@@ -214,7 +187,27 @@ private:
     };
 
     struct ChangeOutcome;
+    struct Place {
+        NodePtr parent;
+        std::optional<std::size_t> index;
+    };
 
+    // Indexes the node itself (not its descendants), replacing what was indexed there.
+    void addLookup(NodePtr node);
+    void appendDiff(DocumentDiff diff);
+    // Counts one change.
+    void touch();
+    void modify(NotebookNode& node, std::string text);
+    void move(NotebookNode& child, std::size_t to);
+    // Where a deleted note goes back to (see userDidPutBack); no index means the end.
+    Place putBackPlace(const NotebookNode& node) const;
+    // The record that takes a forward record back, read off the tree before it is applied.
+    DocumentDiff reverseDiff(const DocumentDiff& forward) const;
+    void registerUndo();
+    // Take back or apply again that many records (one undo step's worth) and register the step
+    // that goes the other way.
+    void undo(std::size_t records = 1);
+    void redo(std::size_t records = 1);
     void announce(const DocumentUpdate& update);
     // Journals the record with its reverse when journaling is on, then applies it with
     // notification.
@@ -240,7 +233,6 @@ private:
     Identifier m_clientIdentifier;
     Identifier m_sessionIdentifier = Identifier::makeRandom();
     Clock m_clock;
-    TimePoint m_lastModified;
     std::vector<DocumentDiff> m_diffs;
     std::vector<DocumentDiff> m_undoDiffs;
     std::vector<DocumentDiff> m_redoDiffs;

@@ -26,19 +26,6 @@ void Document::setLastApplied(TimePoint timestamp, std::string journalName) {
     m_lastAppliedJournal = std::move(journalName);
 }
 
-std::optional<std::string> Document::undoProblem() const {
-    if (m_undoDiffs.empty())
-        return std::nullopt;
-    const DocumentDiff& reverse = m_undoDiffs.back();
-    if (!m_nodeLookup.find(reverse.identifier))
-        return "The note this would change is no longer in the notebook.";
-    if (const PlainValue* parent = reverse.payload.find("parent"))
-        if (const Identifier* identifier = parent->textIdentifier();
-            identifier && !m_nodeLookup.find(*identifier))
-            return "The note this would move it back into is no longer in the notebook.";
-    return std::nullopt;
-}
-
 void Document::setOwnJournalIdentity(std::optional<FileIdentity> identity) {
     m_ownJournalIdentity = identity;
     if (identity)

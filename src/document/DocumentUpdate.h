@@ -9,7 +9,6 @@ namespace quillery {
 
 enum class NodeUpdateType {
     changedText,
-    appendedNode, // part of the vocabulary; never announced (an append is an insertion)
     insertedNode,
     destroyedNode,
     movedWithinParent,

@@ -23,8 +23,6 @@ public:
     bool canRedo() const;
     std::string undoActionName() const;
     std::string redoActionName() const;
-    bool isUndoing() const { return m_undoing; }
-    bool isRedoing() const { return m_redoing; }
 
     void undo();
     void redo();

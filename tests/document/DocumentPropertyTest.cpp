@@ -12,10 +12,7 @@ using testing_support::DocumentFixture;
 class RandomSession : public DocumentFixture, public testing::WithParamInterface<unsigned> {
 protected:
     RandomSession()
-        : m_random(GetParam()) {
-        m_document.setUndoManager(&m_undoManager);
-    }
-    ~RandomSession() override { m_undoManager.removeAllActions(); }
+        : m_random(GetParam()) {}
 
     // Every node reachable from the roots, roots first.
     std::vector<NodePtr> reachable() const {
@@ -84,7 +81,6 @@ protected:
         }
     }
 
-    UndoManager m_undoManager;
     std::mt19937 m_random;
     int m_added = 0;
 };

@@ -12,12 +12,11 @@ namespace {
 using testing_support::DocumentFixture;
 using Texts = std::vector<std::string>;
 
-// Under the root: "Groceries" (apple pie, pear) and "Garden" (apple tree); an undo manager
-// attached. Results are listed by text, deleted notes marked with "~".
+// Under the root: "Groceries" (apple pie, pear) and "Garden" (apple tree). Results are listed by
+// text, deleted notes marked with "~".
 class Searching : public DocumentFixture {
 public:
     Searching() {
-        m_document.setUndoManager(&m_undoManager);
         groceries = addNote(m_document.rootNode(), "Groceries");
         pie = addNote(groceries, "apple pie");
         pear = addNote(groceries, "pear");
@@ -26,7 +25,6 @@ public:
         m_index = std::make_unique<SearchIndex>(m_document);
         m_index->waitUntilReady();
     }
-    ~Searching() override { m_undoManager.removeAllActions(); }
 
     static Texts texts(SearchIndex& index, std::string_view query, bool deleted) {
         Texts result;
@@ -54,7 +52,6 @@ public:
                               at);
     }
 
-    UndoManager m_undoManager;
     NodePtr groceries, pie, pear, garden, tree;
     std::unique_ptr<SearchIndex> m_index; // made once the notes above are in place
 };

@@ -33,12 +33,12 @@ protected:
 TEST_F(PictureLifecycleTest, AddUndoSaveWritesNothingRedoSaveWritesTheFile) {
     saveTo(m_package);
     Identifier key = m_a.addPictureNote("one");
-    m_a.document->undo();
+    m_a.undoManager.undo();
     EXPECT_THAT(m_a.document->images().newImageData(), IsEmpty());
     saveInPlace();
     EXPECT_THAT(pictures(), IsEmpty());
 
-    m_a.document->redo();
+    m_a.undoManager.redo();
     saveInPlace();
 
     std::string name = key.toString() + ".png";
@@ -51,7 +51,7 @@ TEST_F(PictureLifecycleTest, AddSaveUndoSaveKeepsTheFile) {
     saveTo(m_package);
     Identifier key = m_a.addPictureNote("two", "jpg");
     saveInPlace();
-    m_a.document->undo();
+    m_a.undoManager.undo();
     saveInPlace();
     EXPECT_THAT(pictures(), ElementsAre(key.toString() + ".jpg"));
 

@@ -38,8 +38,10 @@ Client::Client(std::string identifier, Document::Clock clockForEdits)
 }
 
 Document& Client::reopen() {
+    undoManager.removeAllActions();
     document.reset();
     document = std::make_unique<Document>(preferences, &codec, clock);
+    document->setUndoManager(&undoManager);
     return *document;
 }
 

@@ -54,6 +54,7 @@ struct Client {
     InMemoryPreferences preferences;
     Document::Clock clock;
     FakePictureCodec codec;
+    UndoManager undoManager;
     std::unique_ptr<Document> document;
 
     // A fresh document of this client, as after launching.

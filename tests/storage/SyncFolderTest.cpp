@@ -229,8 +229,7 @@ TEST_P(LiveMerge, NewRecordsJoinTheOpenNotebookInPlaceOrByAReplay) {
     EXPECT_NE(tree.find("from B"), std::string::npos);
     EXPECT_NE(tree.find("unsaved"), std::string::npos);
     // Undo takes back exactly A's own edit, and nothing new is left to merge.
-    EXPECT_FALSE(m_a.document->undoProblem());
-    m_a.document->undo();
+    m_a.undoManager.undo();
     EXPECT_EQ(treeText(*m_a.document).find("unsaved"), std::string::npos);
     EXPECT_TRUE(readJournalChanges(m_package, m_a.document->journalIdentities(),
                                    m_a.document->journalMarks(), m_files)
