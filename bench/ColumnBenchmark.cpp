@@ -24,7 +24,7 @@ NodePtr noteWithChildren(int count) {
     NodePtr& note = notes[count];
     if (note)
         return note;
-    note = NotebookNode::create(Identifier("root"), "parent");
+    note = NotebookNode::create(rootIdentifier(), "parent");
     auto& children = note->children();
     children.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {

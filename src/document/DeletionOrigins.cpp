@@ -34,7 +34,7 @@ void DeletionOrigins::describe(PlainDictionary& payload, const NotebookNode& par
 void DeletionOrigins::noteMoved(const Identifier& note, const Identifier& newParent,
                                 const PlainDictionary& payload) {
     std::optional<Identifier> parent = identifierUnder(payload, kParentKey);
-    if (!parent || !(newParent == std::string_view("deleted"))) {
+    if (!parent || newParent != deletedRootIdentifier()) {
         if (!m_origins.empty())
             m_origins.erase(note);
         return;

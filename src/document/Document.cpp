@@ -6,16 +6,6 @@
 
 namespace quillery {
 
-namespace {
-
-bool isRootIdentifier(const Identifier& identifier) {
-    static const Identifier root("root");
-    static const Identifier deleted("deleted");
-    return identifier == root || identifier == deleted;
-}
-
-} // namespace
-
 Document::Document(Preferences& preferences, const PictureCodec* pictureCodec, Clock clock)
     : m_clock(clock ? std::move(clock) : Clock([] { return std::chrono::system_clock::now(); }))
     , m_images(pictureCodec) {
@@ -35,9 +25,9 @@ Document::Document(Preferences& preferences, const PictureCodec* pictureCodec, C
             preferences.setString(kClientMachineKey, *machine);
         preferences.synchronize();
     }
-    m_rootNode = std::make_shared<NotebookNode>(Identifier("root"), Identifier("none"), "");
+    m_rootNode = std::make_shared<NotebookNode>(rootIdentifier(), noParentIdentifier(), "");
     m_deletedRootNode =
-        std::make_shared<NotebookNode>(Identifier("deleted"), Identifier("none"), "");
+        std::make_shared<NotebookNode>(deletedRootIdentifier(), noParentIdentifier(), "");
     addLookup(m_rootNode);
     addLookup(m_deletedRootNode);
 }

@@ -3,21 +3,6 @@
 
 namespace quillery {
 
-namespace {
-
-std::optional<std::size_t> indexOf(const NotebookNode& parent,
-                                   const std::optional<Identifier>& identifier) {
-    if (!identifier)
-        return std::nullopt;
-    const auto& children = parent.children();
-    for (std::size_t i = 0; i < children.size(); ++i)
-        if (children[i]->identifier() == *identifier)
-            return i;
-    return std::nullopt;
-}
-
-} // namespace
-
 void Document::userDidDelete(NotebookNode& node, const char* actionName) {
     NotebookNode* parent = parentOf(node);
     if (!parent || !m_deletedRootNode)
@@ -45,9 +30,9 @@ Document::Place Document::putBackPlace(const NotebookNode& node) const {
     NodePtr parent = origin ? this->node(origin->parent) : nullptr;
     if (!parent || !isInNotebook(*parent))
         return {m_rootNode, std::nullopt};
-    if (auto before = indexOf(*parent, origin->before))
+    if (auto before = origin->before ? parent->indexOfChild(*origin->before) : std::nullopt)
         return {parent, before};
-    if (auto after = indexOf(*parent, origin->after);
+    if (auto after = origin->after ? parent->indexOfChild(*origin->after) : std::nullopt;
         after && *after + 1 < parent->children().size())
         return {parent, *after + 1};
     return {parent, std::nullopt};

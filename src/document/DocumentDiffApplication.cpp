@@ -6,33 +6,12 @@ namespace quillery {
 
 namespace {
 
-bool isRoot(const NotebookNode& node) {
-    static const Identifier root("root");
-    static const Identifier deleted("deleted");
-    return node.identifier() == root || node.identifier() == deleted;
-}
-
-// Finds a child by identifier. The indexed node of that identifier is looked for by address
-// first, which reads no sibling; only when it is not there are the siblings' identifiers compared.
-std::optional<std::size_t> indexOfChild(const NotebookNode& parent, const Identifier& identifier,
-                                        const NotebookNode* indexed) {
-    const auto& children = parent.children();
-    if (indexed)
-        for (std::size_t i = 0; i < children.size(); ++i)
-            if (children[i].get() == indexed)
-                return i;
-    for (std::size_t i = 0; i < children.size(); ++i)
-        if (children[i]->identifier() == identifier)
-            return i;
-    return std::nullopt;
-}
-
 // Where a node goes among the children when "before" may name one of them: there, or at the end.
 std::size_t placementIndex(const NotebookNode& parent, const PlainDictionary& payload,
                            const NodeIndex& index) {
     if (const PlainValue* before = payload.find("before"))
         if (const Identifier* sibling = before->textIdentifier())
-            if (auto found = indexOfChild(parent, *sibling, index.find(*sibling)))
+            if (auto found = parent.indexOfChild(*sibling, index.find(*sibling)))
                 return *found;
     return parent.children().size();
 }
@@ -118,11 +97,11 @@ std::optional<DocumentUpdate> Document::applyCreation(const DocumentDiff& diff) 
 std::optional<DocumentUpdate> Document::applyDestroy(const NodePtr& target) {
     diagnostics::writeLine("Removing node...");
     // The two roots stay for the life of the document, whatever a journal says.
-    if (isRoot(*target))
+    if (isRootIdentifier(target->identifier()))
         return std::nullopt;
     NotebookNode* parent = parentOf(*target);
     std::optional<std::size_t> index =
-        parent ? indexOfChild(*parent, target->identifier(), target.get()) : std::nullopt;
+        parent ? parent->indexOfChild(target->identifier(), target.get()) : std::nullopt;
     if (index)
         dropChild(*parent, *index, *target);
     m_nodeLookup.erase(target->identifier());
@@ -192,14 +171,14 @@ void Document::reorder(NotebookNode& target, const std::string& key, const Plain
     NotebookNode* parent = parentOf(target);
     if (!parent)
         return;
-    std::optional<std::size_t> index = indexOfChild(*parent, target.identifier(), &target);
+    std::optional<std::size_t> index = parent->indexOfChild(target.identifier(), &target);
     if (!index)
         return;
     NodePtr moving = takeChild(*parent, *index);
     outcome.oldIndex = index;
     const Identifier& sibling = *siblingValue;
     std::size_t insertAt = parent->children().size();
-    if (auto siblingIndex = indexOfChild(*parent, sibling, m_nodeLookup.find(sibling))) {
+    if (auto siblingIndex = parent->indexOfChild(sibling, m_nodeLookup.find(sibling))) {
         insertAt = key == "before" ? *siblingIndex : *siblingIndex + 1;
     } else {
         std::string line = "Uh-oh: did move ";
@@ -219,7 +198,7 @@ void Document::reparent(const NodePtr& target, const PlainValue& value,
         return;
     const Identifier newParentIdentifier = *newParentValue;
     // The roots never move, whatever a journal says.
-    if (isRoot(*target))
+    if (isRootIdentifier(target->identifier()))
         return;
     // Checked before anything moves, so that a refused move leaves the node where it was and the
     // tree whole: two machines that moved two notes into each other must not cut a branch off.
@@ -236,7 +215,7 @@ void Document::reparent(const NodePtr& target, const PlainValue& value,
     }
     if (NotebookNode* source = parentOf(*target)) {
         outcome.oldParent = source->identifier();
-        if (auto index = indexOfChild(*source, target->identifier(), target.get())) {
+        if (auto index = source->indexOfChild(target->identifier(), target.get())) {
             if (dropChild(*source, *index, *target))
                 ++m_removals;
             outcome.oldIndex = index;

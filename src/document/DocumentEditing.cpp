@@ -16,14 +16,6 @@ constexpr std::size_t kNone = static_cast<std::size_t>(-1);
     std::abort();
 }
 
-std::optional<std::size_t> indexOfChild(const NotebookNode& parent, const Identifier& identifier) {
-    const auto& children = parent.children();
-    for (std::size_t i = 0; i < children.size(); ++i)
-        if (children[i]->identifier() == identifier)
-            return i;
-    return std::nullopt;
-}
-
 // Restores journaling when an undo ends, also when an observer throws.
 class JournalingPause {
 public:
@@ -106,8 +98,8 @@ void Document::userDidAdd(const NotebookNode& child, const NotebookNode& toNode,
 void Document::userDidMove(NotebookNode& child, const NotebookNode& toParent,
                            std::optional<std::size_t> at) {
     move(child, toParent, at);
-    registerUserStep(toParent.identifier() == std::string_view("deleted") ? "Delete Note"
-                                                                          : "Move Note");
+    registerUserStep(toParent.identifier() == deletedRootIdentifier() ? "Delete Note"
+                                                                      : "Move Note");
 }
 
 void Document::userDidMove(NotebookNode& child, std::size_t to) {
@@ -147,7 +139,7 @@ DocumentDiff Document::reverseDiff(const DocumentDiff& forward) const {
         programmingError("reverseDiff: a move to a parent that is not in the tree");
     NodePtr parent = node(target->parentIdentifier());
     const std::size_t index =
-        parent ? indexOfChild(*parent, target->identifier()).value_or(kNone) : kNone;
+        parent ? parent->indexOfChild(target->identifier()).value_or(kNone) : kNone;
     if (index == kNone)
         programmingError("reverseDiff: a move of a node that is not in the tree");
     const auto& siblings = parent->children();

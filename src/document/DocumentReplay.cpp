@@ -159,7 +159,7 @@ private:
             if (!exists && parentMissing) {
                 diagnostics::writeLine(kCouldNotFindParentLine);
                 DocumentDiff landed = diff;
-                landed.payload.set("parent", PlainValue(Identifier("root")));
+                landed.payload.set("parent", PlainValue(rootIdentifier()));
                 landed.payload.erase("before");
                 apply(landed);
             } else {

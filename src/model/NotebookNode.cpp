@@ -2,6 +2,25 @@
 
 namespace quillery {
 
+const Identifier& rootIdentifier() {
+    static const Identifier root("root");
+    return root;
+}
+
+const Identifier& deletedRootIdentifier() {
+    static const Identifier deleted("deleted");
+    return deleted;
+}
+
+const Identifier& noParentIdentifier() {
+    static const Identifier none("none");
+    return none;
+}
+
+bool isRootIdentifier(const Identifier& identifier) {
+    return identifier == rootIdentifier() || identifier == deletedRootIdentifier();
+}
+
 NotebookNode::NotebookNode(Identifier identifier, Identifier parentIdentifier, std::string text,
                            std::optional<Identifier> imageIdentifier, std::vector<NodePtr> children,
                            std::optional<std::string> url)
@@ -37,6 +56,18 @@ void NotebookNode::setText(std::string text) {
 
 void NotebookNode::setUrl(std::optional<std::string> url) {
     m_url = std::move(url);
+}
+
+std::optional<std::size_t> NotebookNode::indexOfChild(const Identifier& identifier,
+                                                      const NotebookNode* indexed) const {
+    if (indexed)
+        for (std::size_t i = 0; i < m_children.size(); ++i)
+            if (m_children[i].get() == indexed)
+                return i;
+    for (std::size_t i = 0; i < m_children.size(); ++i)
+        if (m_children[i]->identifier() == identifier)
+            return i;
+    return std::nullopt;
 }
 
 bool NotebookNode::isEmpty() const {

@@ -14,6 +14,13 @@ namespace quillery {
 class NotebookNode;
 using NodePtr = std::shared_ptr<NotebookNode>;
 
+// Every notebook has two roots: "root" holds the notes, "deleted" the deleted notes. Both name
+// "none" as their parent.
+const Identifier& rootIdentifier();
+const Identifier& deletedRootIdentifier();
+const Identifier& noParentIdentifier();
+bool isRootIdentifier(const Identifier& identifier);
+
 // One note: a short text or a picture, with its child notes in display order. A node is shared
 // by its parent's children, the document's index and the views; the document engine keeps the
 // tree invariants, the node itself has no tree operations.
@@ -46,6 +53,11 @@ public:
 
     const std::vector<NodePtr>& children() const { return m_children; }
     std::vector<NodePtr>& children() { return m_children; }
+    // Where the child of that identifier stands among the children. `indexed`, the node the
+    // document indexes under the identifier, is looked for by address first, which reads no
+    // sibling; only when it is not there are the siblings' identifiers compared.
+    std::optional<std::size_t> indexOfChild(const Identifier& identifier,
+                                            const NotebookNode* indexed = nullptr) const;
 
     // The node whose children hold this one, set by the document engine while it keeps this node
     // there (null otherwise), so that walking up a large tree needs no index lookups. Never
