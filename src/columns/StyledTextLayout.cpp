@@ -37,7 +37,6 @@ StyledTextLayout::StyledTextLayout(std::string_view text, const QPalette& palett
     const std::string_view styled = styledPart(text);
     m_textCut = styled.size() < text.size();
     MarkdownStyler styler(styled);
-    styler.code.fontName = fontfamilies::monospace();
     styler.code.color = codeColor();
     const std::vector<StyledRun> runs = styler.attributedString();
 

@@ -36,10 +36,6 @@ Color Color::fromWhite(double white, double alpha) {
     return {white, white, white, alpha};
 }
 
-BasicStyles::BasicStyles()
-    : fontName(FontNameForTextStyle(MyFontTextStyle::body)) {
-}
-
 namespace fontfamilies {
 
 // From Debian's fonts-dejavu-core; they stand in for Geneva, Georgia and Courier.
@@ -59,12 +55,6 @@ const std::string& monospace() {
 }
 
 } // namespace fontfamilies
-
-// The design names Courier for every text style; here that is our monospace family. The name
-// is only carried by the style slots: the font a run is drawn in comes from FontForTextStyle.
-std::string FontNameForTextStyle(MyFontTextStyle) {
-    return fontfamilies::monospace();
-}
 
 FontSpec FontForTextStyle(MyFontTextStyle style) {
     switch (style) {

@@ -19,11 +19,9 @@ struct Color {
     friend bool operator==(const Color&, const Color&) = default;
 };
 
-// The style carried by one slot of the styler.
+// The style carried by one slot of the styler: its colour, opaque black unless set.
 struct BasicStyles {
-    std::optional<std::string> fontName; // defaults to FontNameForTextStyle(body)
-    Color color;                         // defaults to opaque black
-    BasicStyles();
+    Color color;
 };
 
 enum class MyFontTextStyle { body, title1, title2, headline, subheadline, footnote };
@@ -38,7 +36,6 @@ struct FontSpec {
     friend bool operator==(const FontSpec&, const FontSpec&) = default;
 };
 
-std::string FontNameForTextStyle(MyFontTextStyle style);
 FontSpec FontForTextStyle(MyFontTextStyle style);
 
 // The Linux families that stand in for the sans, serif and monospace faces of the design.
