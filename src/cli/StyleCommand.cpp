@@ -1,8 +1,8 @@
 #include "cli/StyleCommand.h"
 
 #include "markdown/MarkdownStyler.h"
+#include "storage/JsonString.h"
 
-#include <cstdio>
 #include <istream>
 #include <iterator>
 #include <ostream>
@@ -62,44 +62,10 @@ std::string_view styleName(LineStyle style) {
     return "none";
 }
 
-// Writes `text` (well-formed UTF-8, as every run is) as a JSON string. Non-ASCII characters pass
-// through as UTF-8; control characters are escaped.
 void writeJsonString(std::ostream& out, std::string_view text) {
-    out << '"';
-    for (const char c : text) {
-        switch (c) {
-        case '"':
-            out << "\\\"";
-            break;
-        case '\\':
-            out << "\\\\";
-            break;
-        case '\n':
-            out << "\\n";
-            break;
-        case '\r':
-            out << "\\r";
-            break;
-        case '\t':
-            out << "\\t";
-            break;
-        case '\b':
-            out << "\\b";
-            break;
-        case '\f':
-            out << "\\f";
-            break;
-        default:
-            if (static_cast<unsigned char>(c) < 0x20) {
-                char escaped[8];
-                std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned char>(c));
-                out << escaped;
-            } else {
-                out << c;
-            }
-        }
-    }
-    out << '"';
+    std::string json;
+    appendJsonString(json, text);
+    out << json;
 }
 
 void writeRun(std::ostream& out, const StyledRun& run) {

@@ -2,6 +2,7 @@
 
 #include "base/Diagnostics.h"
 #include "storage/FileSystem.h"
+#include "storage/JsonString.h"
 
 #include <cstdlib>
 #include <simdjson.h>
@@ -10,38 +11,6 @@
 namespace quillery {
 
 namespace {
-
-void appendJsonString(std::string& out, std::string_view text) {
-    out += '"';
-    for (char c : text) {
-        switch (c) {
-        case '"':
-            out += "\\\"";
-            break;
-        case '\\':
-            out += "\\\\";
-            break;
-        case '\n':
-            out += "\\n";
-            break;
-        case '\t':
-            out += "\\t";
-            break;
-        case '\r':
-            out += "\\r";
-            break;
-        default:
-            if (static_cast<unsigned char>(c) < 0x20) {
-                char escaped[8];
-                std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
-                out += escaped;
-            } else {
-                out += c;
-            }
-        }
-    }
-    out += '"';
-}
 
 void reportFailure(const std::filesystem::path& file, const std::string& what) {
     diagnostics::writeLine("Couldn't save preferences to " + file.string() + ": " + what);
