@@ -49,10 +49,6 @@ public:
     void bringBack(const Identifier& key);
 
     const std::map<Identifier, ImageData>& newImageData() const { return m_newImageData; }
-    const std::map<Identifier, ImageData>& temporarilyDeletedData() const {
-        return m_temporarilyDeletedData;
-    }
-    std::size_t pictureCount() const { return m_imageCache.size(); }
     // After a save to a known location the new pictures are on disk and carried over from there.
     void forgetNewImageData() { m_newImageData.clear(); }
     // Drops one in-memory picture whose file is already in the package (the copy on disk wins).

@@ -13,10 +13,6 @@ public:
     std::optional<std::string> string(std::string_view key) const override;
     void setString(std::string_view key, std::string value) override;
     void synchronize() override;
-    std::optional<std::string> machineIdentifier() const override { return m_machine; }
-    void setMachineIdentifier(std::optional<std::string> machine) {
-        m_machine = std::move(machine);
-    }
 
     // How often synchronize() was called, so tests can see that a value was meant to last.
     int synchronizeCount() const { return m_synchronizeCount; }
@@ -24,7 +20,6 @@ public:
 private:
     std::map<std::string, std::string, std::less<>> m_values;
     int m_synchronizeCount = 0;
-    std::optional<std::string> m_machine;
 };
 
 } // namespace quillery

@@ -32,10 +32,6 @@ Color Color::fromHsba(double hue, double saturation, double brightness, double a
     }
 }
 
-Color Color::fromWhite(double white, double alpha) {
-    return {white, white, white, alpha};
-}
-
 namespace fontfamilies {
 
 // From Debian's fonts-dejavu-core; they stand in for Geneva, Georgia and Courier.

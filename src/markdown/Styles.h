@@ -15,7 +15,6 @@ struct Color {
     double alpha = 1;
 
     static Color fromHsba(double hue, double saturation, double brightness, double alpha);
-    static Color fromWhite(double white, double alpha);
     friend bool operator==(const Color&, const Color&) = default;
 };
 

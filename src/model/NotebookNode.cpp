@@ -54,10 +54,6 @@ void NotebookNode::setText(std::string text) {
     m_text = std::move(text);
 }
 
-void NotebookNode::setUrl(std::optional<std::string> url) {
-    m_url = std::move(url);
-}
-
 std::optional<std::size_t> NotebookNode::indexOfChild(const Identifier& identifier,
                                                       const NotebookNode* indexed) const {
     if (indexed)

@@ -49,7 +49,6 @@ public:
     void setText(std::string text);
 
     const std::optional<std::string>& url() const { return m_url; }
-    void setUrl(std::optional<std::string> url);
 
     const std::vector<NodePtr>& children() const { return m_children; }
     std::vector<NodePtr>& children() { return m_children; }

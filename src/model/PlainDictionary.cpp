@@ -34,10 +34,6 @@ bool PlainValue::isText() const {
     return std::holds_alternative<Identifier>(m_value);
 }
 
-bool PlainValue::isBool() const {
-    return std::holds_alternative<bool>(m_value);
-}
-
 bool PlainValue::isRawJson() const {
     return std::holds_alternative<std::shared_ptr<const RawJson>>(m_value);
 }

@@ -32,7 +32,6 @@ public:
     PlainValue(RawJson json);
 
     bool isText() const;
-    bool isBool() const;
     bool isRawJson() const;
 
     // The text, when the value is one.

@@ -1,6 +1,5 @@
 #include "storage/NotebookPackage.h"
 
-#include "storage/JournalReader.h"
 #include "storage/PackageLayout.h"
 #include "storage/PackageReader.h"
 #include "storage/PackageWriter.h"
@@ -60,11 +59,6 @@ std::optional<StorageError> checkNotebookFolder(const std::filesystem::path& loc
                 return std::nullopt;
     return StorageError{std::string(storage_errors::kCocoaDomain), storage_errors::kReadCorruptFile,
                         "“" + location.string() + "” is not a Quillery notebook"};
-}
-
-std::optional<StorageError> diffsFromData(std::string_view bytes, std::string_view journalName,
-                                          std::vector<DocumentDiff>& diffs) {
-    return JournalReader().read(bytes, journalName, diffs);
 }
 
 } // namespace quillery::package

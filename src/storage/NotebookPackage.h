@@ -66,9 +66,5 @@ std::optional<StorageError> replay(Document& fresh, const std::filesystem::path&
                                    const PictureCodec& codec,
                                    const std::vector<DocumentDiff>& ownRecords);
 
-// Parses the bytes of one journal file into its records; `journalName` names it in errors.
-std::optional<StorageError> diffsFromData(std::string_view bytes, std::string_view journalName,
-                                          std::vector<DocumentDiff>& diffs);
-
 } // namespace package
 } // namespace quillery

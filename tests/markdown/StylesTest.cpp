@@ -19,7 +19,7 @@ TEST(Color, FromHueSaturationAndBrightnessTakesTheHueRoundTheWheel) {
                           {0.5, 1, 1, {0, 1, 1, 1}},
                           {0.7, 1, 1, {0.2, 0, 1, 1}},
                           {1.0, 1, 1, {1, 0, 0, 1}},
-                          {0.9, 0, 0.3, Color::fromWhite(0.3, 1)}};
+                          {0.9, 0, 0.3, Color{0.3, 0.3, 0.3, 1}}};
     for (const Case& c : cases) {
         const Color color = Color::fromHsba(c.hue, c.saturation, c.brightness, 1);
         for (auto part : {&Color::red, &Color::green, &Color::blue, &Color::alpha})
@@ -30,7 +30,7 @@ TEST(Color, FromHueSaturationAndBrightnessTakesTheHueRoundTheWheel) {
 // Every slot gets its own grey, so a test can tell which slot a run was coloured from.
 class RunPresentationTest : public ::testing::Test {
 protected:
-    static Color grey(int step) { return Color::fromWhite(step / 10.0, 1.0); }
+    static Color grey(int step) { return {step / 10.0, step / 10.0, step / 10.0, 1.0}; }
 
     RunPresentation present(const std::string& text, std::size_t run = 0) {
         MarkdownStyler styler(text);

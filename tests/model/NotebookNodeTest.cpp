@@ -16,9 +16,8 @@ TEST(NotebookNode, NewNoteGetsAFreshIdentifierAndNothingElse) {
 }
 
 TEST(NotebookNode, EmptinessLooksAtTextAndPictureOnly) {
-    NodePtr parent = NotebookNode::create(Identifier("root"), "");
+    NodePtr parent = NotebookNode::create(Identifier("root"), "", std::nullopt, "https://x.org");
     parent->children().push_back(NotebookNode::create(parent->identifier(), "child"));
-    parent->setUrl("https://example.com");
     EXPECT_TRUE(parent->isEmpty());
     EXPECT_FALSE(NotebookNode::create(Identifier("root"), " ")->isEmpty());
     EXPECT_FALSE(NotebookNode::create(Identifier("root"), "", Identifier::makeRandom())->isEmpty());

@@ -1,7 +1,6 @@
 #include "storage/JournalReader.h"
 
 #include "base/Diagnostics.h"
-#include "storage/NotebookPackage.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -42,7 +41,7 @@ TEST_P(JournalReadFailureTest, FailsWithDomainCodeAndJournalName) {
     diagnostics::ScopedSink sink([&](std::string_view line) { lines.emplace_back(line); });
     std::vector<DocumentDiff> diffs;
 
-    auto error = package::diffsFromData(failure.bytes, "C.journal", diffs);
+    auto error = JournalReader().read(failure.bytes, "C.journal", diffs);
 
     ASSERT_TRUE(error);
     EXPECT_EQ(error->domain, failure.domain);
