@@ -3,7 +3,9 @@
 // note text (target: under 1.5 times), every keystroke of one-, two- and three-word queries with
 // common and rare words, each giving the count and the first 500 results (target: under 16 ms,
 // one frame), and the time to open the same notebook, all measured in this run.
-#include "GeneratedJournals.h"
+#include "BenchSupport.h"
+#include "JournalGenerator.h"
+#include "TemporaryDirectory.h"
 #include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
@@ -14,9 +16,7 @@
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
-#include <limits>
 #include <map>
-#include <time.h>
 
 namespace quillery::bench {
 namespace {
@@ -39,20 +39,20 @@ constexpr Query kQueries[] = {
 };
 
 struct SharedNotebook {
-    ScratchDirectory directory;
+    testing_support::TemporaryDirectory directory;
     std::filesystem::path package = directory.path() / "Shared.quillery";
     Identifier client;
     InMemoryPreferences preferences;
     HeaderPictureCodec codec;
 
     SharedNotebook() {
-        TimePoint start = std::chrono::system_clock::now() - std::chrono::hours(24 * 30);
-        for (int c = 0; c < kClients; ++c) {
-            Identifier identifier = Identifier::makeRandom();
-            if (c == 0)
+        const TimePoint start = std::chrono::system_clock::now() - std::chrono::hours(24 * 30);
+        for (const auto& log :
+             testing_support::JournalGenerator(1, testing_support::kMostlyNewNotes)
+                 .generate(kRecords, kClients, start)) {
+            const Identifier identifier = Identifier::makeRandom();
+            if (client.isEmpty())
                 client = identifier;
-            auto log = generateLog(kRecords / kClients + (c == 0 ? kRecords % kClients : 0), start,
-                                   std::chrono::hours(24 * 30), static_cast<unsigned>(c + 1));
             writeJournal(package, identifier, log);
         }
         preferences.setString(kClientIdentifierKey, client.toString());
@@ -76,27 +76,9 @@ Document& openDocument() {
     return *document;
 }
 
-double milliseconds(std::chrono::steady_clock::duration duration) {
-    return std::chrono::duration<double, std::milli>(duration).count();
-}
-
-double cpuMilliseconds(clockid_t clock) {
-    timespec now{};
-    ::clock_gettime(clock, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) * 1e-6;
-}
-
-// The machine may be busy with other work, which shows in the clock only: each figure is the
-// fastest of the runs, by the clock and in processor time.
-struct Figure {
-    double ms = std::numeric_limits<double>::max();
-    double cpuMs = std::numeric_limits<double>::max();
+// The fastest of the runs, and the number of notes found.
+struct Figure : Best {
     std::size_t count = 0;
-    bool measured() const { return ms < std::numeric_limits<double>::max(); }
-    void take(double wall, double cpu) {
-        ms = std::min(ms, wall);
-        cpuMs = std::min(cpuMs, cpu);
-    }
 };
 
 Figure g_open;
@@ -108,11 +90,9 @@ std::map<int, std::vector<Figure>> g_keystrokes;
 
 void BM_OpenNotebook(benchmark::State& state) {
     for (auto _ : state) {
-        auto start = std::chrono::steady_clock::now();
-        double cpuStart = cpuMilliseconds(CLOCK_PROCESS_CPUTIME_ID);
+        Stopwatch watch;
         auto document = notebook().open();
-        g_open.take(milliseconds(std::chrono::steady_clock::now() - start),
-                    cpuMilliseconds(CLOCK_PROCESS_CPUTIME_ID) - cpuStart);
+        watch.stopInto(g_open);
         state.PauseTiming();
         document.reset();
         state.ResumeTiming();
@@ -122,15 +102,12 @@ void BM_OpenNotebook(benchmark::State& state) {
 void BM_BuildIndex(benchmark::State& state) {
     Document& document = openDocument();
     for (auto _ : state) {
-        auto start = std::chrono::steady_clock::now();
-        double cpuStart = cpuMilliseconds(CLOCK_PROCESS_CPUTIME_ID);
-        double cpuThreadStart = cpuMilliseconds(CLOCK_THREAD_CPUTIME_ID);
+        Stopwatch watch;
+        Stopwatch onThisThread(CpuClock::thread);
         SearchIndex index(document);
-        g_snapshot.take(milliseconds(std::chrono::steady_clock::now() - start),
-                        cpuMilliseconds(CLOCK_THREAD_CPUTIME_ID) - cpuThreadStart);
+        onThisThread.stopInto(g_snapshot);
         index.waitUntilReady();
-        g_build.take(milliseconds(std::chrono::steady_clock::now() - start),
-                     cpuMilliseconds(CLOCK_PROCESS_CPUTIME_ID) - cpuStart);
+        watch.stopInto(g_build);
         g_indexBytes = index.memoryBytes();
     }
 }
@@ -146,12 +123,10 @@ void BM_TypeQuery(benchmark::State& state) {
     NotebookNode& anyNote = *document.rootNode()->children().front();
     for (auto _ : state) {
         for (std::size_t typed = 1; typed <= query.size(); ++typed) {
-            auto start = std::chrono::steady_clock::now();
-            double cpuStart = cpuMilliseconds(CLOCK_THREAD_CPUTIME_ID);
+            Stopwatch watch(CpuClock::thread);
             SearchResults results = index.find(std::string_view(query).substr(0, typed), false);
             benchmark::DoNotOptimize(results.hits.data());
-            figures[typed - 1].take(milliseconds(std::chrono::steady_clock::now() - start),
-                                    cpuMilliseconds(CLOCK_THREAD_CPUTIME_ID) - cpuStart);
+            watch.stopInto(figures[typed - 1]);
             figures[typed - 1].count = results.total;
         }
         // An edit between runs, so that each run starts without the words of the last.
@@ -202,19 +177,20 @@ int main(int argc, char** argv) {
 
     const std::size_t textBytes = noteTextBytes(openDocument());
     if (g_open.measured())
-        std::printf("open the notebook: %.0f ms (processor %.0f ms)\n", g_open.ms, g_open.cpuMs);
+        std::printf("open the notebook: %.0f ms (processor %.0f ms)\n", g_open.seconds * 1e3,
+                    g_open.cpuSeconds * 1e3);
     if (g_build.measured()) {
-        std::printf("build the index: %.0f ms (processor %.0f ms) (target < %.0f ms)\n", g_build.ms,
-                    g_build.cpuMs, kBuildMs);
+        std::printf("build the index: %.0f ms (processor %.0f ms) (target < %.0f ms)\n",
+                    g_build.seconds * 1e3, g_build.cpuSeconds * 1e3, kBuildMs);
         std::printf("  of which on the notebook's thread: %.0f ms (processor %.0f ms)\n",
-                    g_snapshot.ms, g_snapshot.cpuMs);
+                    g_snapshot.seconds * 1e3, g_snapshot.cpuSeconds * 1e3);
         std::printf("index memory: %.1f MB / note text %.1f MB = %.2fx (target < %.1fx)\n",
                     static_cast<double>(g_indexBytes) / 1e6, static_cast<double>(textBytes) / 1e6,
                     static_cast<double>(g_indexBytes) / static_cast<double>(textBytes),
                     kMemoryRatio);
     }
-    Figure slowest;
-    slowest.ms = slowest.cpuMs = 0;
+    double slowestMs = 0;
+    double slowestCpuMs = 0;
     for (const auto& [which, figures] : g_keystrokes) {
         std::printf("%s \"%s\", one keystroke at a time (count and first %zu):\n",
                     kQueries[which].kind, kQueries[which].text,
@@ -222,13 +198,13 @@ int main(int argc, char** argv) {
         for (std::size_t i = 0; i < figures.size(); ++i) {
             std::printf("  %-16s %6.2f ms (processor %5.2f ms) %8zu notes\n",
                         ("\"" + std::string(kQueries[which].text, i + 1) + "\"").c_str(),
-                        figures[i].ms, figures[i].cpuMs, figures[i].count);
-            slowest.ms = std::max(slowest.ms, figures[i].ms);
-            slowest.cpuMs = std::max(slowest.cpuMs, figures[i].cpuMs);
+                        figures[i].seconds * 1e3, figures[i].cpuSeconds * 1e3, figures[i].count);
+            slowestMs = std::max(slowestMs, figures[i].seconds * 1e3);
+            slowestCpuMs = std::max(slowestCpuMs, figures[i].cpuSeconds * 1e3);
         }
     }
     if (!g_keystrokes.empty())
         std::printf("slowest keystroke: %.2f ms (processor %.2f ms) (target < %.0f ms)\n",
-                    slowest.ms, slowest.cpuMs, kFrameMs);
+                    slowestMs, slowestCpuMs, kFrameMs);
     return 0;
 }

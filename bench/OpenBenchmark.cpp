@@ -1,18 +1,17 @@
 // Opening a large shared notebook: 3 journals, 1,000,000 records in all (about 200 MB). Judged
 // against simdjson alone parsing the same files in the same run; the target is 2.5 times that.
-#include "GeneratedJournals.h"
+#include "BenchSupport.h"
+#include "JournalGenerator.h"
+#include "TemporaryDirectory.h"
 #include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 #include "storage/HeaderPictureCodec.h"
 #include "storage/NotebookPackage.h"
 
-#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
-#include <limits>
 #include <simdjson.h>
-#include <time.h>
 
 namespace quillery::bench {
 namespace {
@@ -21,18 +20,18 @@ constexpr std::size_t kRecords = 1'000'000;
 constexpr int kClients = 3;
 
 struct SharedPackage {
-    ScratchDirectory directory;
+    testing_support::TemporaryDirectory directory;
     std::filesystem::path package = directory.path() / "Shared.quillery";
     std::vector<Identifier> clients;
     std::vector<simdjson::padded_string> journals;
     std::size_t bytes = 0;
 
     SharedPackage() {
-        TimePoint start = std::chrono::system_clock::now() - std::chrono::hours(24 * 30);
-        for (int c = 0; c < kClients; ++c) {
+        const TimePoint start = std::chrono::system_clock::now() - std::chrono::hours(24 * 30);
+        for (const auto& log :
+             testing_support::JournalGenerator(1, testing_support::kMostlyNewNotes)
+                 .generate(kRecords, kClients, start)) {
             clients.push_back(Identifier::makeRandom());
-            auto log = generateLog(kRecords / kClients + (c == 0 ? kRecords % kClients : 0), start,
-                                   std::chrono::hours(24 * 30), static_cast<unsigned>(c + 1));
             bytes += writeJournal(package, clients.back(), log);
         }
         for (const auto& entry : std::filesystem::directory_iterator(package))
@@ -45,34 +44,6 @@ SharedPackage& sharedPackage() {
     static SharedPackage package;
     return package;
 }
-
-// The fastest of the runs, by the clock and in processor time of the whole process (workers
-// included): the machine may be busy with other work, which shows in the first only.
-struct Best {
-    double seconds = std::numeric_limits<double>::max();
-    double cpuSeconds = std::numeric_limits<double>::max();
-    bool measured() const { return seconds < std::numeric_limits<double>::max(); }
-};
-
-double cpuNow() {
-    timespec now{};
-    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-class Stopwatch {
-public:
-    void stopInto(Best& best) const {
-        best.seconds = std::min(
-            best.seconds,
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count());
-        best.cpuSeconds = std::min(best.cpuSeconds, cpuNow() - m_cpuStart);
-    }
-
-private:
-    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
-    double m_cpuStart = cpuNow();
-};
 
 Best g_parse;
 Best g_open;

@@ -1,7 +1,9 @@
 // Saving a notebook whose own journal holds 1,000,000 records: the journal is rewritten in full.
 // Judged against writing and flushing the same number of bytes with plain file calls in the same
 // run; the target is 2 times that.
-#include "GeneratedJournals.h"
+#include "BenchSupport.h"
+#include "JournalGenerator.h"
+#include "TemporaryDirectory.h"
 #include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
@@ -11,8 +13,6 @@
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <fcntl.h>
-#include <limits>
-#include <time.h>
 #include <unistd.h>
 
 namespace quillery::bench {
@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t kRecords = 1'000'000;
 
 struct LargeNotebook {
-    ScratchDirectory directory;
+    testing_support::TemporaryDirectory directory;
     std::filesystem::path package = directory.path() / "Large.quillery";
     InMemoryPreferences preferences;
     std::unique_ptr<Document> document;
@@ -29,8 +29,11 @@ struct LargeNotebook {
 
     LargeNotebook() {
         document = std::make_unique<Document>(preferences);
-        auto log = generateLog(kRecords, std::chrono::system_clock::now() - std::chrono::hours(24),
-                               std::chrono::hours(24), 7);
+        const auto log =
+            testing_support::JournalGenerator(7, testing_support::kMostlyNewNotes)
+                .generate(kRecords, 1,
+                          std::chrono::system_clock::now() - std::chrono::hours(24 * 3))
+                .front();
         document->loadData(log, log);
         if (package::saveTo(*document, package))
             throw std::runtime_error("first save failed");
@@ -43,34 +46,6 @@ LargeNotebook& largeNotebook() {
     static LargeNotebook notebook;
     return notebook;
 }
-
-// The fastest of the runs, by the clock and in processor time of the whole process (workers
-// included): the machine may be busy with other work, which shows in the first only.
-struct Best {
-    double seconds = std::numeric_limits<double>::max();
-    double cpuSeconds = std::numeric_limits<double>::max();
-    bool measured() const { return seconds < std::numeric_limits<double>::max(); }
-};
-
-double cpuNow() {
-    timespec now{};
-    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-class Stopwatch {
-public:
-    void stopInto(Best& best) const {
-        best.seconds = std::min(
-            best.seconds,
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count());
-        best.cpuSeconds = std::min(best.cpuSeconds, cpuNow() - m_cpuStart);
-    }
-
-private:
-    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
-    double m_cpuStart = cpuNow();
-};
 
 Best g_save;
 Best g_plain;

@@ -74,16 +74,32 @@ JournalMark markOf(const std::vector<DocumentDiff>& diffs, std::size_t count) {
 
 std::vector<DocumentDiff>
 MergedDiffsFromArrayOfDiffs(std::vector<std::vector<DocumentDiff>> diffs) {
+    auto earlier = [](const DocumentDiff& a, const DocumentDiff& b) {
+        return a.timestamp < b.timestamp;
+    };
     std::size_t total = 0;
-    for (const auto& journal : diffs)
+    bool inTimeOrder = true;
+    for (const auto& journal : diffs) {
         total += journal.size();
+        inTimeOrder = inTimeOrder && std::is_sorted(journal.begin(), journal.end(), earlier);
+    }
     std::vector<DocumentDiff> merged;
     merged.reserve(total);
-    for (auto& journal : diffs)
-        std::move(journal.begin(), journal.end(), std::back_inserter(merged));
-    std::stable_sort(
-        merged.begin(), merged.end(),
-        [](const DocumentDiff& a, const DocumentDiff& b) { return a.timestamp < b.timestamp; });
+    if (!inTimeOrder) {
+        for (auto& journal : diffs)
+            std::move(journal.begin(), journal.end(), std::back_inserter(merged));
+        std::stable_sort(merged.begin(), merged.end(), earlier);
+        return merged;
+    }
+    std::vector<std::size_t> next(diffs.size(), 0);
+    while (merged.size() < total) {
+        std::size_t pick = diffs.size();
+        for (std::size_t j = 0; j < diffs.size(); ++j)
+            if (next[j] < diffs[j].size() &&
+                (pick == diffs.size() || earlier(diffs[j][next[j]], diffs[pick][next[pick]])))
+                pick = j;
+        merged.push_back(std::move(diffs[pick][next[pick]++]));
+    }
     return merged;
 }
 

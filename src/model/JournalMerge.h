@@ -36,7 +36,9 @@ struct NamedRecords {
 };
 
 // Concatenates the journals in the order given and sorts by time stamp alone, stably, so records
-// of the same second keep their journal order and every reader builds the same tree.
+// of the same second keep their journal order and every reader builds the same tree. When every
+// journal is in time order already, as journals this program writes are, the same list is made in
+// one pass: a merge that takes ties from the earlier journal first.
 std::vector<DocumentDiff> MergedDiffsFromArrayOfDiffs(std::vector<std::vector<DocumentDiff>> diffs);
 
 // Whether two records are the same record: the same stamp, note and payload (keys in any order).

@@ -23,31 +23,6 @@ bool earlier(const DocumentDiff& a, const DocumentDiff& b) {
     return a.timestamp < b.timestamp;
 }
 
-// The same list as MergedDiffsFromArrayOfDiffs (concatenation, then a stable sort by time), made
-// in one pass when every journal is in time order already, as journals written by this program
-// are: then the stable sort is a merge that takes ties from the earlier journal first.
-std::vector<DocumentDiff> mergedJournals(std::vector<std::vector<DocumentDiff>> journals) {
-    for (const auto& journal : journals)
-        if (!std::is_sorted(journal.begin(), journal.end(), earlier))
-            return MergedDiffsFromArrayOfDiffs(std::move(journals));
-    std::size_t total = 0;
-    for (const auto& journal : journals)
-        total += journal.size();
-    std::vector<DocumentDiff> merged;
-    merged.reserve(total);
-    std::vector<std::size_t> next(journals.size(), 0);
-    while (merged.size() < total) {
-        std::size_t pick = journals.size();
-        for (std::size_t j = 0; j < journals.size(); ++j)
-            if (next[j] < journals[j].size() &&
-                (pick == journals.size() ||
-                 earlier(journals[j][next[j]], journals[pick][next[pick]])))
-                pick = j;
-        merged.push_back(std::move(journals[pick][next[pick]++]));
-    }
-    return merged;
-}
-
 // The journal whose record comes last in the merged order: the latest stamp, and of journals
 // sharing it the one read last (names in byte order).
 void noteLatest(const JournalLoader::Journal& journal, TimePoint& latest, std::string& name) {
@@ -182,7 +157,7 @@ std::optional<StorageError> PackageReader::read(Document& document,
     for (auto& ofOneClient : copies)
         journals.push_back(UnionOfJournals(std::move(ofOneClient)));
 
-    document.loadData(mergedJournals(std::move(journals)), std::move(ownDiffs));
+    document.loadData(MergedDiffsFromArrayOfDiffs(std::move(journals)), std::move(ownDiffs));
     document.setLastApplied(latest, latestJournal);
     document.setFileLocation(location);
     document.markSaved();

@@ -1,7 +1,9 @@
 #include "model/JournalMerge.h"
 
+#include "JournalGenerator.h"
 #include "model/PlainDictionaryPrinter.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace quillery {
@@ -11,26 +13,11 @@ using namespace std::chrono;
 
 const TimePoint kStamp = sys_days{year{2017} / 3 / 4} + hours{9} + minutes{15} + seconds{2};
 
-TEST(JournalMerge, EmptyInputsGiveAnEmptyList) {
-    EXPECT_TRUE(MergedDiffsFromArrayOfDiffs({}).empty());
-    EXPECT_TRUE(MergedDiffsFromArrayOfDiffs({{}, {}}).empty());
-}
-
 std::vector<std::string> namesOf(const std::vector<DocumentDiff>& diffs) {
     std::vector<std::string> names;
     for (const auto& diff : diffs)
         names.push_back(diff.identifier.toString());
     return names;
-}
-
-TEST(JournalMerge, InterleavesJournalsByTime) {
-    auto at = [](int second, const char* name) {
-        return DocumentDiff(kStamp + seconds{second}, Identifier(name), {});
-    };
-    auto merged = MergedDiffsFromArrayOfDiffs({{at(1, "a1"), at(3, "a3")}, {at(2, "b2")}});
-    EXPECT_EQ(namesOf(merged), (std::vector<std::string>{"a1", "b2", "a3"}));
-    auto sorted = MergedDiffsFromArrayOfDiffs({{at(5, "late"), at(0, "early")}});
-    EXPECT_EQ(namesOf(sorted), (std::vector<std::string>{"early", "late"}));
 }
 
 TEST(JournalMerge, EqualStampsKeepJournalOrderAndDuplicatesSurvive) {
@@ -44,6 +31,41 @@ TEST(JournalMerge, EqualStampsKeepJournalOrderAndDuplicatesSurvive) {
     EXPECT_EQ(namesOf(merged),
               (std::vector<std::string>{"y", "a", "b", "c", "d", "e", "f", "g", "h", "x", "a"}));
 }
+
+// Journals from the generator, `perSecond` records to a second handed round in turns of `turn`,
+// so records of one second lie in several journals; `shuffled` puts one journal out of order.
+struct MergeCase {
+    std::size_t journals;
+    std::size_t perSecond;
+    std::size_t turn;
+    bool shuffled;
+};
+
+class OnePassMerge : public testing::TestWithParam<MergeCase> {};
+
+TEST_P(OnePassMerge, GivesTheListOfAStableSortByTime) {
+    const MergeCase& c = GetParam();
+    auto journals = testing_support::JournalGenerator(7, testing_support::kEveryChange)
+                        .generate(3000, c.journals, kStamp, c.perSecond, c.turn);
+    journals.emplace_back(); // a journal without records
+    if (c.shuffled)
+        std::reverse(journals[1].begin(), journals[1].end());
+    std::vector<DocumentDiff> expected;
+    for (const auto& journal : journals)
+        expected.insert(expected.end(), journal.begin(), journal.end());
+    std::stable_sort(expected.begin(), expected.end(),
+                     [](const auto& a, const auto& b) { return a.timestamp < b.timestamp; });
+    const std::vector<DocumentDiff> merged = MergedDiffsFromArrayOfDiffs(journals);
+    ASSERT_EQ(merged.size(), expected.size());
+    for (std::size_t i = 0; i < merged.size(); ++i) {
+        ASSERT_EQ(merged[i].identifier, expected[i].identifier) << "record " << i;
+        ASSERT_EQ(merged[i].payload, expected[i].payload) << "record " << i;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Journals, OnePassMerge,
+                         testing::Values(MergeCase{3, 16, 3, false}, MergeCase{5, 7, 2, false},
+                                         MergeCase{4, 64, 1, false}, MergeCase{3, 16, 3, true}));
 
 // Copies of one client's journal, written as "second:note=text" records.
 struct UnionCase {

@@ -7,19 +7,6 @@
 
 namespace quillery::testing {
 
-TemporaryDirectory::TemporaryDirectory() {
-    std::string pattern =
-        (std::filesystem::temp_directory_path() / "quillery-test-XXXXXX").string();
-    if (!::mkdtemp(pattern.data()))
-        throw std::runtime_error("mkdtemp failed");
-    m_path = pattern;
-}
-
-TemporaryDirectory::~TemporaryDirectory() {
-    std::error_code error;
-    std::filesystem::remove_all(m_path, error);
-}
-
 PicturePtr FakePictureCodec::decode(std::span<const std::uint8_t> bytes) const {
     if (bytes.size() < 3 || bytes[0] != 'P' || bytes[1] != 'I' || bytes[2] != 'C')
         return nullptr;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TemporaryDirectory.h"
 #include "document/Document.h"
 #include "document/InMemoryPreferences.h"
 #include "document/PictureCodec.h"
@@ -11,19 +12,7 @@
 
 namespace quillery::testing {
 
-// A directory under the system's temporary directory, removed with everything in it.
-class TemporaryDirectory {
-public:
-    TemporaryDirectory();
-    ~TemporaryDirectory();
-    TemporaryDirectory(const TemporaryDirectory&) = delete;
-    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-
-    const std::filesystem::path& path() const { return m_path; }
-
-private:
-    std::filesystem::path m_path;
-};
+using testing_support::TemporaryDirectory;
 
 class FakePicture : public Picture {
 public:
