@@ -1,16 +1,10 @@
-#include "cli/Cli.h"
+#include "CliFixture.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <pthread.h>
 #include <simdjson.h>
-#include <sstream>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace quillery::cli {
 namespace {
@@ -18,52 +12,12 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-struct Outcome {
-    int exitCode;
-    std::string out;
-    std::string err;
-};
-
-// Each test runs the tool as a fresh installation: its own config folder, so its own client
-// identifier, shared by all runs of the test.
-class CliTest : public ::testing::Test {
+class CliTest : public CliFixture {
 protected:
-    void SetUp() override {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "quillery-cli-XXXXXX").string();
-        ASSERT_TRUE(::mkdtemp(pattern.data()));
-        m_directory = pattern;
-        ::setenv("XDG_CONFIG_HOME", (m_directory / "config").c_str(), 1);
-        m_package = (m_directory / "Notes.quillery").string();
-    }
-    void TearDown() override { std::filesystem::remove_all(m_directory); }
-
-    Outcome run(std::vector<std::string> arguments, bool toTerminal = false) {
-        std::istringstream in;
-        std::ostringstream out, err;
-        int exitCode = runCli(arguments, in, out, err, toTerminal);
-        return {exitCode, out.str(), err.str()};
-    }
-    std::string write(const std::string& name, const std::string& content) {
-        const std::string path = (m_directory / name).string();
-        std::ofstream(path, std::ios::binary) << content;
-        return path;
-    }
-    std::string add(const std::string& text, std::vector<std::string> more = {}) {
-        std::vector<std::string> arguments{"add", m_package, "--text", text};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        Outcome result = run(arguments);
-        EXPECT_EQ(result.exitCode, kSuccess) << result.err;
-        EXPECT_EQ(result.out.size(), 37u) << "one identifier and a line feed";
-        return result.out.substr(0, 36);
-    }
     std::string markdown() { return run({"export", "--format", "markdown", m_package}).out; }
-
-    std::filesystem::path m_directory;
-    std::string m_package;
 };
 
-TEST_F(CliTest, NewAddAndExportMakeAWorkingNotebook) {
+TEST_F(CliTest, NewAddAndExportMakeAWorkingNotebookWithOneJournal) {
     ASSERT_EQ(run({"new", m_package}).exitCode, kSuccess);
     std::string parent = add("Groceries");
     add("milk", {"--parent", parent});
@@ -71,11 +25,12 @@ TEST_F(CliTest, NewAddAndExportMakeAWorkingNotebook) {
     add("Top", {"--at", "0"});
 
     EXPECT_EQ(markdown(), "- Top\n- Groceries\n  - bread\n  - milk\n");
-    // One installation, one journal.
     int journals = 0;
     for (const auto& entry : std::filesystem::directory_iterator(m_package))
         journals += entry.path().extension() == ".journal";
     EXPECT_EQ(journals, 1);
+    // The engine's lines go to standard error, leaving standard output to results.
+    EXPECT_THAT(run({"add", m_package, "--text", "x"}).err, HasSubstr("fileURL = " + m_package));
 }
 
 TEST_F(CliTest, ExportJsonIsOneObjectWithBothRoots) {
@@ -111,13 +66,6 @@ TEST_F(CliTest, MarkdownLinksPicturesAndIndentsFurtherLines) {
     EXPECT_THAT(info.out, HasSubstr("Notes: 2\nDeleted notes: 0\nPictures: 1\nOpened in: "));
 }
 
-TEST_F(CliTest, DiagnosticsGoToStandardErrorOnly) {
-    run({"new", m_package});
-    Outcome result = run({"add", m_package, "--text", "x"});
-    EXPECT_THAT(result.out, ::testing::MatchesRegex("[0-9A-F-]{36}\n"));
-    EXPECT_THAT(result.err, HasSubstr("fileURL = " + m_package));
-}
-
 TEST_F(CliTest, PackageFailuresExitWithOneAndExplain) {
     Outcome missing = run({"export", m_package});
     EXPECT_EQ(missing.exitCode, kPackageFailure);
@@ -127,11 +75,13 @@ TEST_F(CliTest, PackageFailuresExitWithOneAndExplain) {
 
     std::filesystem::create_directory(m_package);
     std::ofstream(std::filesystem::path(m_package) / "X.journal") << R"({"diffs": [1]})";
-    Outcome malformed = run({"info", m_package});
-    EXPECT_EQ(malformed.exitCode, kPackageFailure);
-    EXPECT_THAT(malformed.err, HasSubstr("“X.journal”"));
-    EXPECT_THAT(malformed.err, HasSubstr("(NSOSStatusErrorDomain -4)"));
-    EXPECT_EQ(run({"add", m_package, "--text", "t"}).exitCode, kPackageFailure);
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"info", m_package},
+                                                      {"add", m_package, "--text", "t"},
+                                                      {"find", m_package, "t"}}) {
+        Outcome malformed = run(arguments);
+        EXPECT_EQ(malformed.exitCode, kPackageFailure) << arguments.front();
+        EXPECT_THAT(malformed.err, HasSubstr("“X.journal”")) << arguments.front();
+    }
     EXPECT_EQ(run({"new", m_package}).exitCode, kPackageFailure);
 }
 
@@ -176,11 +126,16 @@ INSTANTIATE_TEST_SUITE_P(
         BadUsage{"ImportFormatUnknown", {"import", "PKG", "notes.doc"}, "give --format"},
         BadUsage{"ImportFormatNamedBadly",
                  {"import", "PKG", "a.md", "--format", "rtf"},
-                 "unknown format"}),
+                 "unknown format"},
+        BadUsage{"NoQuery", {"find", "PKG"}, "no QUERY given"},
+        BadUsage{"BlankQuery", {"find", "PKG", " "}, "the query has no words"},
+        BadUsage{"FindFormat", {"find", "PKG", "a", "--format", "xml"}, "unknown format"},
+        BadUsage{"FindOption", {"find", "PKG", "a", "--fuzzy"}, "unknown option --fuzzy"},
+        BadUsage{"StyleArgument", {"style", "--bogus"}, "unknown argument '--bogus'"}),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(CliTest, EveryCommandExplainsItself) {
-    for (const char* command : {"new", "export", "import", "add", "info"}) {
+    for (const char* command : {"new", "export", "import", "add", "info", "find", "style"}) {
         Outcome result = run({command, "--help"});
         EXPECT_EQ(result.exitCode, kSuccess);
         EXPECT_THAT(result.out, StartsWith(std::string("Usage: quillery-cli ") + command));
@@ -188,46 +143,6 @@ TEST_F(CliTest, EveryCommandExplainsItself) {
     Outcome overview = run({"--help"});
     EXPECT_EQ(overview.exitCode, kSuccess);
     EXPECT_THAT(overview.out, HasSubstr("Exit status"));
-}
-
-TEST_F(CliTest, AddsRunAtOnceByOneInstallationAllLand) {
-    ASSERT_EQ(run({"new", m_package}).exitCode, kSuccess);
-    constexpr int kProcesses = 4;
-    constexpr int kRounds = 10;
-    std::vector<pid_t> children;
-    for (int p = 0; p < kProcesses; ++p) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            int failures = 0;
-            for (int round = 0; round < kRounds; ++round) {
-                std::istringstream in;
-                std::ostringstream out, err;
-                const std::string text = "p" + std::to_string(p) + "r" + std::to_string(round);
-                failures += runCli({"add", m_package, "--text", text}, in, out, err) != kSuccess;
-            }
-            ::_exit(failures);
-        }
-        children.push_back(child);
-    }
-    for (pid_t child : children) {
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    }
-    const std::string notes = markdown();
-    for (int p = 0; p < kProcesses; ++p)
-        for (int round = 0; round < kRounds; ++round)
-            EXPECT_THAT(notes,
-                        HasSubstr("- p" + std::to_string(p) + "r" + std::to_string(round) + "\n"));
-}
-
-TEST_F(CliTest, AFolderThatIsNoNotebookIsRefusedAndLeftAlone) {
-    const std::filesystem::path folder = m_directory / "Photos";
-    std::filesystem::create_directory(folder);
-    Outcome result = run({"add", folder.string(), "--text", "x"});
-    EXPECT_EQ(result.exitCode, kPackageFailure);
-    EXPECT_THAT(result.err, HasSubstr("“" + folder.string() + "” is not a Quillery notebook"));
-    EXPECT_TRUE(std::filesystem::is_empty(folder));
 }
 
 TEST_F(CliTest, ImportAddsAnOutlineUnderANoteAndExportsItInEveryFormat) {

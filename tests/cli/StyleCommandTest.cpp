@@ -1,31 +1,15 @@
-#include "cli/StyleCommand.h"
+#include "CliFixture.h"
 
-#include <gtest/gtest.h>
 #include <simdjson.h>
-#include <sstream>
-#include <string>
-#include <vector>
 
 namespace quillery::cli {
 namespace {
 
-struct CommandResult {
-    int exitCode;
-    std::string out;
-    std::string err;
-};
+class StyleCommand : public CliFixture {};
 
-CommandResult runStyle(const std::string& input, const std::vector<std::string>& arguments = {}) {
-    std::istringstream in(input);
-    std::ostringstream out;
-    std::ostringstream err;
-    const int exitCode = runStyleCommand(arguments, in, out, err);
-    return {exitCode, out.str(), err.str()};
-}
-
-TEST(StyleCommandOutput, PrintsOneElementPerRunInOrder) {
-    const CommandResult result = runStyle("# Title\nsee [a](b) *it*");
-    EXPECT_EQ(result.exitCode, 0);
+TEST_F(StyleCommand, PrintsOneElementPerRunInOrderAndNamesEveryLineTypeAndStyle) {
+    const Outcome result = run({"style"}, false, "# Title\nsee [a](b) *it*");
+    EXPECT_EQ(result.exitCode, kSuccess);
     EXPECT_EQ(result.err, "");
     EXPECT_EQ(result.out, R"([
   {"text": "Title", "line": "h1", "style": "none"},
@@ -37,23 +21,11 @@ TEST(StyleCommandOutput, PrintsOneElementPerRunInOrder) {
   {"newline": true}
 ]
 )");
-}
-
-TEST(StyleCommandOutput, EmptyInputIsOneSpaceAndANewline) {
-    EXPECT_EQ(runStyle("").out, R"([
-  {"text": " ", "line": "body", "style": "none"},
-  {"newline": true}
-]
-)");
-}
-
-TEST(StyleCommandOutput, NamesEveryLineTypeAndStyle) {
     const std::string out =
-        runStyle("## a\n### b\n#### c\n##### d\n###### e\n**f** `g` _h_\n- i").out;
-    for (const char* name : {"\"h2\"", "\"h3\"", "\"h4\"", "\"h5\"", "\"h6\"", "\"bold\"",
-                             "\"code\"", "\"italic\"", "\"list\""}) {
+        run({"style"}, false, "## a\n### b\n#### c\n##### d\n###### e\n**f** `g`\n- i").out;
+    for (const char* name :
+         {"\"h2\"", "\"h3\"", "\"h4\"", "\"h5\"", "\"h6\"", "\"bold\"", "\"code\"", "\"list\""})
         EXPECT_NE(out.find(name), std::string::npos) << name;
-    }
 }
 
 // Each input is styled, printed, read back with a JSON parser, and its run texts compared with
@@ -66,25 +38,20 @@ struct EscapingCase {
     friend void PrintTo(const EscapingCase& c, std::ostream* out) { *out << c.name; }
 };
 
-class StyleCommandEscaping : public ::testing::TestWithParam<EscapingCase> {};
+class StyleCommandEscaping : public CliFixture,
+                             public ::testing::WithParamInterface<EscapingCase> {};
 
 TEST_P(StyleCommandEscaping, OutputIsValidJsonWithExactTexts) {
-    const CommandResult result = runStyle(GetParam().input);
-    ASSERT_EQ(result.exitCode, 0);
+    const Outcome result = run({"style"}, false, GetParam().input);
+    ASSERT_EQ(result.exitCode, kSuccess);
     simdjson::dom::parser parser;
-    simdjson::dom::element document;
-    ASSERT_EQ(parser.parse(result.out).get(document), simdjson::SUCCESS) << result.out;
     simdjson::dom::array elements;
-    ASSERT_EQ(document.get_array().get(elements), simdjson::SUCCESS);
+    ASSERT_EQ(parser.parse(result.out).get_array().get(elements), simdjson::SUCCESS) << result.out;
     std::vector<std::string> texts;
-    for (simdjson::dom::element element : elements) {
-        for (const char* key : {"text", "link"}) {
-            std::string_view value;
-            if (element[key].get_string().get(value) == simdjson::SUCCESS) {
+    for (simdjson::dom::element element : elements)
+        for (const char* key : {"text", "link"})
+            if (std::string_view value; element[key].get_string().get(value) == simdjson::SUCCESS)
                 texts.emplace_back(value);
-            }
-        }
-    }
     EXPECT_EQ(texts, GetParam().texts);
 }
 
@@ -101,25 +68,7 @@ INSTANTIATE_TEST_SUITE_P(
                       EscapingCase{"NonAscii", "« — 😀 »", {"« — 😀 »"}},
                       EscapingCase{"InvalidUtf8ReadsAsReplacement", "a\xC3(", {"a\uFFFD("}},
                       EscapingCase{"Nul", std::string("a\0b", 3), {std::string("a\0b", 3)}}),
-    [](const ::testing::TestParamInfo<EscapingCase>& escaping) {
-        return std::string(escaping.param.name);
-    });
-
-TEST(StyleCommandArguments, HelpPrintsUsage) {
-    for (const char* help : {"--help", "-h"}) {
-        const CommandResult result = runStyle("ignored", {help});
-        EXPECT_EQ(result.exitCode, 0);
-        EXPECT_NE(result.out.find("Usage: quillery-cli style"), std::string::npos);
-        EXPECT_EQ(result.err, "");
-    }
-}
-
-TEST(StyleCommandArguments, UnknownArgumentExitsWithTwo) {
-    const CommandResult result = runStyle("text", {"--bogus"});
-    EXPECT_EQ(result.exitCode, 2);
-    EXPECT_EQ(result.out, "");
-    EXPECT_NE(result.err.find("--bogus"), std::string::npos);
-}
+    [](const auto& escaping) { return std::string(escaping.param.name); });
 
 } // namespace
 } // namespace quillery::cli

@@ -100,63 +100,59 @@ INSTANTIATE_TEST_SUITE_P(
                     -4, "element 2", false}),
     [](const auto& test) { return std::string(test.param.name); });
 
-class JournalReaderTest : public ::testing::Test {
-protected:
-    std::vector<DocumentDiff> read(const std::string& bytes) {
-        std::vector<DocumentDiff> diffs;
-        auto error = m_reader.read(bytes, "C.journal", diffs);
-        EXPECT_FALSE(error) << error->message;
-        return diffs;
-    }
-
-    JournalReader m_reader;
+// A journal that reads, and the identifier and payload of each record it holds.
+struct ReadCase {
+    const char* name;
+    std::string bytes;
+    std::vector<std::pair<const char*, PlainDictionary>> records;
 };
 
-TEST_F(JournalReaderTest, EmptyDiffsReadAsNoRecords) {
-    EXPECT_TRUE(read(journalWith("[]")).empty());
-}
+class JournalReadTest : public ::testing::TestWithParam<ReadCase> {};
 
-TEST_F(JournalReaderTest, RecordKeepsEveryOtherKeyAsPayload) {
-    auto diffs = read(journalWith(
-        "[" +
-        record(R"(, "text": "a\n\"b\"", "destroy": true, "n": 1.50, "list": [1, {"k": null}])") +
-        "]"));
-
-    ASSERT_EQ(diffs.size(), 1u);
-    EXPECT_EQ(diffs[0].identifier, "N1");
-    EXPECT_EQ(diffs[0].timestamp, DateFromString(kStamp));
-    PlainDictionary expected{{"text", "a\n\"b\""},
-                             {"destroy", true},
-                             {"n", RawJson{"1.50"}},
-                             {"list", RawJson{R"([1, {"k": null}])"}}};
-    EXPECT_EQ(diffs[0].payload, expected);
-}
-
-TEST_F(JournalReaderTest, RecordWithOnlyStampAndIdentifierHasEmptyPayload) {
-    auto diffs = read(journalWith("[" + record() + "]"));
-    ASSERT_EQ(diffs.size(), 1u);
-    EXPECT_TRUE(diffs[0].payload.empty());
-}
-
-TEST_F(JournalReaderTest, KeysOutsideDiffsAreNotExamined) {
-    EXPECT_EQ(read(R"({"diffs": [], "schema": 9, "version": "x", "extra": {"a": [true]}})").size(),
-              0u);
-}
-
-TEST_F(JournalReaderTest, ReaderIsReusableAfterAFailure) {
+TEST_P(JournalReadTest, KeepsEveryOtherKeyOfARecordAsItsPayload) {
+    JournalReader reader;
     std::vector<DocumentDiff> diffs;
-    diagnostics::ScopedSink quiet([](std::string_view) {});
-    EXPECT_TRUE(m_reader.read(std::string("{"), "C.journal", diffs));
-    EXPECT_EQ(read(journalWith("[" + record() + "," + record() + "]")).size(), 2u);
+    {
+        // The reader is used for every journal of an open, bad ones among them.
+        diagnostics::ScopedSink quiet([](std::string_view) {});
+        ASSERT_TRUE(reader.read(std::string("{"), "C.journal", diffs));
+    }
+    auto error = reader.read(GetParam().bytes, "C.journal", diffs);
+    ASSERT_FALSE(error) << error->message;
+    ASSERT_EQ(diffs.size(), GetParam().records.size());
+    for (std::size_t i = 0; i < diffs.size(); ++i) {
+        EXPECT_EQ(diffs[i].identifier, GetParam().records[i].first);
+        EXPECT_EQ(diffs[i].timestamp, DateFromString(kStamp));
+        EXPECT_EQ(diffs[i].payload, GetParam().records[i].second);
+    }
 }
 
-TEST_F(JournalReaderTest, EscapedKeysAndTextsAreDecoded) {
-    auto diffs = read(journalWith(
-        R"([{"time\u0073tamp": "2017-03-04T09:15:02GMT", "identifier": "N\u00e9", "t\u0065xt": "\ud83d\ude00"}])"));
-    ASSERT_EQ(diffs.size(), 1u);
-    EXPECT_EQ(diffs[0].identifier, "N\xC3\xA9");
-    EXPECT_EQ(diffs[0].payload.find("text")->text(), "\xF0\x9F\x98\x80");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Journals, JournalReadTest,
+    ::testing::Values(
+        ReadCase{"NoRecords", journalWith("[]"), {}},
+        ReadCase{"OnlyStampAndIdentifier", journalWith("[" + record() + "]"), {{"N1", {}}}},
+        ReadCase{
+            "EveryOtherKey",
+            journalWith(
+                "[" +
+                record(
+                    R"(, "text": "a\n\"b\"", "destroy": true, "n": 1.50, "list": [1, {"k": null}])") +
+                "]"),
+            {{"N1",
+              {{"text", "a\n\"b\""},
+               {"destroy", true},
+               {"n", RawJson{"1.50"}},
+               {"list", RawJson{R"([1, {"k": null}])"}}}}}},
+        ReadCase{"KeysOutsideDiffsAreNotExamined",
+                 R"({"diffs": [], "schema": 9, "version": "x", "extra": {"a": [true]}})",
+                 {}},
+        ReadCase{
+            "EscapedKeysAndTexts",
+            journalWith(
+                R"([{"time\u0073tamp": "2017-03-04T09:15:02GMT", "identifier": "N\u00e9", "t\u0065xt": "\ud83d\ude00"}])"),
+            {{"N\xC3\xA9", {{"text", "\xF0\x9F\x98\x80"}}}}}),
+    [](const auto& test) { return std::string(test.param.name); });
 
 } // namespace
 } // namespace quillery

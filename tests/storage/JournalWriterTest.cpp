@@ -50,17 +50,6 @@ TEST(JournalWriterTest, PayloadStampAndIdentifierWinOverTheRecords) {
         << file.text;
 }
 
-TEST(JournalWriterTest, FileErrorStopsTheWrite) {
-    class FullFile : public StringFile {
-        std::error_code append(std::string_view) override {
-            return std::make_error_code(std::errc::no_space_on_device);
-        }
-    } file;
-    auto result = JournalWriter().write(file, Identifier("C"), TimePoint{}, {});
-    EXPECT_FALSE(result);
-    EXPECT_EQ(result.fileError, std::errc::no_space_on_device);
-}
-
 std::vector<DocumentDiff> mixedRecords(std::size_t count) {
     using namespace std::chrono;
     const TimePoint start = sys_days{2019y / March / 4} + 23h + 59min;
@@ -96,18 +85,27 @@ TEST(JournalWriterTest, BlocksJoinIntoTheSameJournal) {
     EXPECT_TRUE(empty.text.ends_with("\"diffs\" : []\n}\n")) << empty.text;
 }
 
-TEST(JournalWriterTest, FileErrorPartWayStopsAfterTheBlocksInHand) {
+// A file that fills up at the n-th write: the writer stops there, with the blocks in hand.
+TEST(JournalWriterTest, AFileErrorStopsTheWrite) {
     class FillingFile : public StringFile {
+    public:
+        explicit FillingFile(int writes)
+            : m_writes(writes) {}
         std::error_code append(std::string_view bytes) override {
-            if (++appends > 3)
+            if (--m_writes < 0)
                 return std::make_error_code(std::errc::no_space_on_device);
             return StringFile::append(bytes);
         }
-        int appends = 0;
-    } file;
-    auto result = JournalWriter(5).write(file, Identifier("C"), TimePoint{}, mixedRecords(500));
-    EXPECT_EQ(result.fileError, std::errc::no_space_on_device);
-    EXPECT_FALSE(result.invalidText);
+
+    private:
+        int m_writes;
+    };
+    for (int writes : {0, 3}) {
+        FillingFile file(writes);
+        auto result = JournalWriter(5).write(file, Identifier("C"), TimePoint{}, mixedRecords(500));
+        EXPECT_EQ(result.fileError, std::errc::no_space_on_device) << writes;
+        EXPECT_FALSE(result.invalidText);
+    }
 }
 
 } // namespace
