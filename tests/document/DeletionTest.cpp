@@ -1,21 +1,15 @@
 #include "DocumentFixture.h"
 
-#include <functional>
-
 namespace quillery {
 namespace {
 
 using testing_support::SmallNotebook;
 
-// A record as another installation would have written it, replayed without journaling.
-void applyForeign(SmallNotebook& n, const NodePtr& note, PlainDictionary payload) {
-    n.m_document.applyDiff(DocumentDiff(n.m_time, note->identifier(), n.resolved(payload)));
-}
-
+// Steps, each "delete @x" or "putback @x" as the user does them, "undo" or "redo", or a record
+// from another installation; and the tree after them.
 struct PutBackCase {
     const char* name;
-    // Deletes notes (and maybe more), then puts notes back.
-    std::function<void(SmallNotebook&)> steps;
+    std::vector<std::string> steps;
     const char* outline;
 
     friend void PrintTo(const PutBackCase& c, std::ostream* out) { *out << c.name; }
@@ -24,86 +18,57 @@ struct PutBackCase {
 class PutBack : public SmallNotebook, public testing::WithParamInterface<PutBackCase> {};
 
 TEST_P(PutBack, ReturnsTheNoteWhereItBelongs) {
-    GetParam().steps(*this);
+    for (const std::string& step : GetParam().steps) {
+        auto note = [&] {
+            return m_document.node(named(step.substr(step.find('@') + 1)));
+        };
+        if (step.starts_with("delete ")) {
+            m_document.userDidDelete(*note());
+        } else if (step.starts_with("putback ")) {
+            m_document.userDidPutBack(*note());
+            EXPECT_EQ(m_undoManager.undoActionName(), "Put Back Note");
+        } else if (step == "undo")
+            m_undoManager.undo();
+        else if (step == "redo")
+            m_undoManager.redo();
+        else
+            m_document.applyDiff(record(step));
+    }
     EXPECT_EQ(outline(), GetParam().outline);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, PutBack,
-    testing::Values(PutBackCase{"ParentPresent",
-                                [](SmallNotebook& n) {
-                                    n.m_document.userDidDelete(*n.b);
-                                    n.m_document.userDidPutBack(*n.b);
-                                    EXPECT_EQ(n.m_undoManager.undoActionName(), "Put Back Note");
-                                },
-                                "root(P(a() b() c()) Q()) deleted()"},
-                    PutBackCase{"NextSiblingDeletedTooAndPutBackFirst",
-                                [](SmallNotebook& n) {
-                                    n.m_document.userDidDelete(*n.b);
-                                    n.m_document.userDidDelete(*n.c);
-                                    n.m_document.userDidPutBack(*n.c);
-                                    n.m_document.userDidPutBack(*n.b);
-                                },
-                                "root(P(a() b() c()) Q()) deleted()"},
-                    PutBackCase{"NextSiblingStillDeleted",
-                                [](SmallNotebook& n) {
-                                    n.m_document.userDidDelete(*n.b);
-                                    n.m_document.userDidDelete(*n.c);
-                                    n.m_document.userDidPutBack(*n.b);
-                                },
-                                "root(P(a() b()) Q()) deleted(c())"},
-                    PutBackCase{"ParentItselfDeleted",
-                                [](SmallNotebook& n) {
-                                    n.m_document.userDidDelete(*n.b);
-                                    n.m_document.userDidDelete(*n.P);
-                                    n.m_document.userDidPutBack(*n.b);
-                                },
-                                "root(Q() b()) deleted(P(a() c()))"},
-                    PutBackCase{"ParentGone",
-                                [](SmallNotebook& n) {
-                                    n.m_document.userDidDelete(*n.b);
-                                    applyForeign(n, n.P, {{"destroy", true}});
-                                    n.m_document.userDidPutBack(*n.b);
-                                },
-                                "root(Q() b()) deleted()"},
-                    PutBackCase{"DeletedByAnotherInstallation",
-                                [](SmallNotebook& n) {
-                                    applyForeign(n, n.c,
-                                                 {{"parent", "deleted"},
-                                                  {"deleted_from", "@P"},
-                                                  {"deleted_after", "@b"}});
-                                    n.m_document.userDidPutBack(*n.c);
-                                },
-                                "root(P(a() b() c()) Q()) deleted()"},
-                    PutBackCase{"DeletedWithoutItsPlace",
-                                [](SmallNotebook& n) {
-                                    applyForeign(n, n.b, {{"parent", "deleted"}});
-                                    n.m_document.userDidPutBack(*n.b);
-                                },
-                                "root(P(a() c()) Q() b()) deleted()"},
-                    PutBackCase{"PutBackThenDeletedWithoutItsPlace",
-                                [](SmallNotebook& n) {
-                                    n.m_document.userDidDelete(*n.b);
-                                    n.m_document.userDidPutBack(*n.b);
-                                    applyForeign(n, n.b, {{"parent", "deleted"}});
-                                    n.m_document.userDidPutBack(*n.b);
-                                },
-                                "root(P(a() c()) Q() b()) deleted()"},
-                    PutBackCase{"UndoOfPutBack",
-                                [](SmallNotebook& n) {
-                                    n.m_document.userDidDelete(*n.b);
-                                    n.m_document.userDidPutBack(*n.b);
-                                    n.m_undoManager.undo();
-                                },
-                                "root(P(a() c()) Q()) deleted(b())"},
-                    PutBackCase{"RedoOfDeleteKeepsThePlace",
-                                [](SmallNotebook& n) {
-                                    n.m_document.userDidDelete(*n.b);
-                                    n.m_undoManager.undo();
-                                    n.m_undoManager.redo();
-                                    n.m_document.userDidPutBack(*n.b);
-                                },
-                                "root(P(a() b() c()) Q()) deleted()"}),
+    testing::Values(
+        PutBackCase{
+            "ParentPresent", {"delete @b", "putback @b"}, "root(P(a() b() c()) Q()) deleted()"},
+        PutBackCase{"NextSiblingDeletedTooAndPutBackFirst",
+                    {"delete @b", "delete @c", "putback @c", "putback @b"},
+                    "root(P(a() b() c()) Q()) deleted()"},
+        PutBackCase{"NextSiblingStillDeleted",
+                    {"delete @b", "delete @c", "putback @b"},
+                    "root(P(a() b()) Q()) deleted(c())"},
+        PutBackCase{"ParentItselfDeleted",
+                    {"delete @b", "delete @P", "putback @b"},
+                    "root(Q() b()) deleted(P(a() c()))"},
+        PutBackCase{"ParentGone",
+                    {"delete @b", "@P destroy=true", "putback @b"},
+                    "root(Q() b()) deleted()"},
+        PutBackCase{"DeletedByAnotherInstallation",
+                    {"@c parent=@deleted deleted_from=@P deleted_after=@b", "putback @c"},
+                    "root(P(a() b() c()) Q()) deleted()"},
+        PutBackCase{"DeletedWithoutItsPlace",
+                    {"@b parent=@deleted", "putback @b"},
+                    "root(P(a() c()) Q() b()) deleted()"},
+        PutBackCase{"PutBackThenDeletedWithoutItsPlace",
+                    {"delete @b", "putback @b", "@b parent=@deleted", "putback @b"},
+                    "root(P(a() c()) Q() b()) deleted()"},
+        PutBackCase{"UndoOfPutBack",
+                    {"delete @b", "putback @b", "undo"},
+                    "root(P(a() c()) Q()) deleted(b())"},
+        PutBackCase{"RedoOfDeleteKeepsThePlace",
+                    {"delete @b", "undo", "redo", "putback @b"},
+                    "root(P(a() b() c()) Q()) deleted()"}),
     [](const auto& caseInfo) { return std::string(caseInfo.param.name); });
 
 } // namespace

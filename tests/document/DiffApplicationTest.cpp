@@ -9,18 +9,12 @@ using testing_support::SmallNotebook;
 const std::string kNoParent(kCouldNotFindParentLine);
 const std::string kIntoItself = "Refusing to move a note into itself.";
 
-// One record applied to the small notebook: the note it is about ("@x") and its payload.
-struct Record {
-    const char* note;
-    PlainDictionary payload;
-};
-
-// Records applied in turn, and what the tree, the announcements and the diagnostic lines are then.
-// Announcements read "changed", "inserted(-,3)", "destroyed(1,-)", "moved(0,2)" or
-// "reparented(P 1>Q 2)", with old and new child indexes and parents.
+// Records applied in turn (written as SmallNotebook::record reads them), and what the tree, the
+// announcements and the diagnostic lines are then. Announcements read "changed", "inserted(-,3)",
+// "destroyed(1,-)", "moved(0,2)" or "reparented(P 1>Q 2)": old and new child indexes and parents.
 struct ApplyCase {
     const char* name;
-    std::vector<Record> records;
+    std::vector<const char*> records;
     const char* outline;
     const char* updates;
     Lines lines;
@@ -55,8 +49,8 @@ protected:
 };
 
 TEST_P(DiffApplication, ChangesTheTreeAnnouncesAndReports) {
-    for (const Record& record : GetParam().records)
-        apply(named(std::string_view(record.note).substr(1)), resolved(record.payload));
+    for (const char* text : GetParam().records)
+        m_document.applyDiff(record(text), true);
     EXPECT_EQ(outline(), GetParam().outline);
     std::string updates;
     for (const DocumentUpdate& update : m_updates)
@@ -70,168 +64,136 @@ TEST_P(DiffApplication, ChangesTheTreeAnnouncesAndReports) {
 
 const std::string kMissingSibling =
     "Uh-oh: did move before but siblingIdentifier is not found here ";
+const char* const kUnchanged = "root(P(a() b() c()) Q()) deleted()";
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, DiffApplication,
     testing::Values(
         // Creations.
         ApplyCase{"CreationAppends",
-                  {{"@d", {{"identifier", "@d"}, {"text", "d"}, {"parent", "@P"}}}},
+                  {"@d identifier=@d text=d parent=@P"},
                   "root(P(a() b() c() d()) Q()) deleted()",
                   "inserted(-,3)",
                   {}},
         ApplyCase{"CreationBeforeASibling",
-                  {{"@d", {{"text", "d"}, {"parent", "@P"}, {"before", "@b"}}}},
+                  {"@d text=d parent=@P before=@b"},
                   "root(P(a() d() b() c()) Q()) deleted()",
                   "inserted(-,1)",
                   {}},
         ApplyCase{"CreationBeforeAnUnknownSiblingAppends",
-                  {{"@d", {{"text", "d"}, {"parent", "@P"}, {"before", "x"}}}},
+                  {"@d text=d parent=@P before=x"},
                   "root(P(a() b() c() d()) Q()) deleted()",
                   "inserted(-,3)",
                   {}},
         ApplyCase{"CreationUnderAnUnknownParent",
-                  {{"@d", {{"text", "d"}, {"parent", "@nowhere"}}}},
-                  "root(P(a() b() c()) Q()) deleted()",
+                  {"@d text=d parent=@nowhere"},
+                  kUnchanged,
                   "",
                   {kNoParent}},
-        ApplyCase{"CreationWithoutTextOrParent",
-                  {{"@d", {{"parent", "@P"}}}, {"@e", {{"text", "e"}}}},
-                  "root(P(a() b() c()) Q()) deleted()",
-                  "",
-                  {}},
+        ApplyCase{"CreationWithoutTextOrParent", {"@d parent=@P", "@e text=e"}, kUnchanged, "", {}},
         ApplyCase{"CreationOfAnIndexedNoteIsAChange",
-                  {{"@a",
-                    {{"identifier", "@a"},
-                     {"text", "a2"},
-                     {"parent", "@P"},
-                     {"image", "K"},
-                     {"url", "u"}}}},
+                  {"@a identifier=@a text=a2 parent=@P image=K url=u"},
                   "root(P(b() c() a2()) Q()) deleted()",
                   "reparented(P 0>P 2)",
                   {"Unrecognized diff", "Unrecognized diff"}},
         // Destroys.
-        ApplyCase{"DestroyOfFalse",
-                  {{"@b", {{"destroy", false}}}},
-                  "root(P(a() b() c()) Q()) deleted()",
-                  "",
-                  {}},
+        ApplyCase{"DestroyOfFalse", {"@b destroy=false"}, kUnchanged, "", {}},
         ApplyCase{"Destroy",
-                  {{"@b", {{"destroy", true}}}},
+                  {"@b destroy=true"},
                   "root(P(a() c()) Q()) deleted()",
                   "destroyed(1,-)",
                   {"Removing node..."}},
         ApplyCase{"DestroyOfANoteOutsideTheTree",
-                  {{"@g", {{"text", "g"}, {"parent", "@b"}}},
-                   {"@b", {{"destroy", true}}},
-                   {"@g", {{"destroy", true}}}},
+                  {"@g text=g parent=@b", "@b destroy=true", "@g destroy=true"},
                   "root(P(a() c()) Q()) deleted()",
                   "inserted(-,0) destroyed(1,-)",
                   {"Removing node...", "Removing node..."}},
         ApplyCase{"RootsStay",
-                  {{"@root", {{"destroy", true}}}, {"@deleted", {{"parent", "@P"}}}},
-                  "root(P(a() b() c()) Q()) deleted()",
+                  {"@root destroy=true", "@deleted parent=@P"},
+                  kUnchanged,
                   "changed",
                   {"Removing node..."}},
-        // Changes.
+        // Changes in place.
         ApplyCase{"ChangeWithNothingToDo",
-                  {{"@a", {{"identifier", "@a"}, {"timestamp", "whenever"}}}},
-                  "root(P(a() b() c()) Q()) deleted()",
+                  {"@a identifier=@a timestamp=whenever"},
+                  kUnchanged,
                   "changed",
                   {}},
-        ApplyCase{
-            "BadTextAndUnknownKeysAreReported",
-            {{"@a",
-              {{"text", RawJson{"3"}}, {"color", "red"}, {"destroy", "yes"}, {"after", "@b"}}}},
-            "root(P(b() a() c()) Q()) deleted()",
-            "moved(0,1)",
-            {"Bad text.", "Unrecognized diff", "Unrecognized diff"}},
+        ApplyCase{"BadTextAndUnknownKeysAreReported",
+                  {"@a text=#3 color=red destroy=yes after=@b"},
+                  "root(P(b() a() c()) Q()) deleted()",
+                  "moved(0,1)",
+                  {"Bad text.", "Unrecognized diff", "Unrecognized diff"}},
         ApplyCase{"FirstAfterLast",
-                  {{"@a", {{"after", "@c"}}}},
+                  {"@a after=@c"},
                   "root(P(b() c() a()) Q()) deleted()",
                   "moved(0,2)",
                   {}},
         ApplyCase{"LastBeforeFirst",
-                  {{"@c", {{"before", "@a"}}}},
+                  {"@c before=@a"},
                   "root(P(c() a() b()) Q()) deleted()",
                   "moved(2,0)",
                   {}},
-        ApplyCase{"AfterItsPredecessor",
-                  {{"@b", {{"after", "@a"}}}},
-                  "root(P(a() b() c()) Q()) deleted()",
-                  "moved(1,1)",
-                  {}},
+        ApplyCase{"AfterItsPredecessor", {"@b after=@a"}, kUnchanged, "moved(1,1)", {}},
         ApplyCase{"AfterItself",
-                  {{"@a", {{"after", "@a"}}}},
+                  {"@a after=@a"},
                   "root(P(b() c() a()) Q()) deleted()",
                   "moved(0,2)",
                   {"Uh-oh: did move after but siblingIdentifier is not found here @a"}},
         ApplyCase{"BeforeAMissingSibling",
-                  {{"@b", {{"before", "@x"}}}},
+                  {"@b before=@x"},
                   "root(P(a() c() b()) Q()) deleted()",
                   "moved(1,2)",
                   {kMissingSibling + "@x"}},
         ApplyCase{"ReorderOfANoteOutsideItsParent",
-                  {{"@g", {{"text", "g"}, {"parent", "@b"}}},
-                   {"@b", {{"destroy", true}}},
-                   {"@g", {{"before", "x"}}}},
+                  {"@g text=g parent=@b", "@b destroy=true", "@g before=x"},
                   "root(P(a() c()) Q()) deleted()",
                   "inserted(-,0) destroyed(1,-) changed",
                   {"Removing node..."}},
         // Moves to another parent.
         ApplyCase{"ReparentAppends",
-                  {{"@x", {{"text", "x"}, {"parent", "@Q"}}}, {"@b", {{"parent", "@Q"}}}},
+                  {"@x text=x parent=@Q", "@b parent=@Q"},
                   "root(P(a() c()) Q(x() b())) deleted()",
                   "inserted(-,0) reparented(P 1>Q 1)",
                   {}},
         ApplyCase{"ReparentBeforeASiblingIsNoReorder",
-                  {{"@x", {{"text", "x"}, {"parent", "@Q"}}},
-                   {"@c", {{"before", "@x"}, {"parent", "@Q"}}}},
+                  {"@x text=x parent=@Q", "@c before=@x parent=@Q"},
                   "root(P(a() b()) Q(c() x())) deleted()",
                   "inserted(-,0) reparented(P 2>Q 0)",
                   {}},
         ApplyCase{"DeletingKeepsTheChildren",
-                  {{"@x", {{"text", "x"}, {"parent", "@a"}}}, {"@a", {{"parent", "deleted"}}}},
+                  {"@x text=x parent=@a", "@a parent=@deleted"},
                   "root(P(b() c()) Q()) deleted(a(x()))",
                   "inserted(-,0) reparented(P 0>deleted 0)",
                   {}},
         ApplyCase{"ReparentToAnUnknownParentAppliesTheRest",
-                  {{"@b", {{"parent", "nowhere"}, {"text", "B"}}}},
+                  {"@b parent=nowhere text=B"},
                   "root(P(a() B() c()) Q()) deleted()",
                   "changed",
                   {kNoParent}},
         ApplyCase{"ReparentIntoItselfOrItsSubtree",
-                  {{"@x", {{"text", "x"}, {"parent", "@a"}}},
-                   {"@a", {{"parent", "@a"}}},
-                   {"@a", {{"parent", "@x"}}}},
+                  {"@x text=x parent=@a", "@a parent=@a", "@a parent=@x"},
                   "root(P(a(x()) b() c()) Q()) deleted()",
                   "inserted(-,0) changed changed",
                   {kIntoItself, kIntoItself}},
         // A note whose parent was destroyed and made again walks up the new parent.
-        ApplyCase{"ParentMadeAgainElsewhere",
-                  {{"@x", {{"text", "x"}, {"parent", "@a"}}},
-                   {"@a", {{"destroy", true}}},
-                   {"@a", {{"text", "a again"}, {"parent", "@Q"}}},
-                   {"@Q", {{"parent", "@x"}}}},
-                  "root(P(b() c()) Q(a again())) deleted()",
-                  "inserted(-,0) destroyed(0,-) inserted(-,0) changed",
-                  {"Removing node...", kIntoItself}},
+        ApplyCase{
+            "ParentMadeAgainElsewhere",
+            {"@x text=x parent=@a", "@a destroy=true", "@a text=again parent=@Q", "@Q parent=@x"},
+            "root(P(b() c()) Q(again())) deleted()",
+            "inserted(-,0) destroyed(0,-) inserted(-,0) changed",
+            {"Removing node...", kIntoItself}},
         ApplyCase{"NotMovedUnderNotesItsEarlierSelfLeft",
-                  {{"@x", {{"text", "x"}, {"parent", "@a"}}},
-                   {"@a", {{"destroy", true}}},
-                   {"@a", {{"text", "a again"}, {"parent", "root"}}},
-                   {"@a", {{"parent", "@x"}}}},
-                  "root(P(b() c()) Q() a again()) deleted()",
+                  {"@x text=x parent=@a", "@a destroy=true", "@a text=again parent=@root",
+                   "@a parent=@x"},
+                  "root(P(b() c()) Q() again()) deleted()",
                   "inserted(-,0) destroyed(0,-) inserted(-,2) changed",
                   {"Removing node...", kIntoItself}},
         // Destroying b leaves its child x indexed; b made again under x closes a loop no root
         // reaches, which ends every walk up the tree.
         ApplyCase{"ParentCycle",
-                  {{"@x", {{"text", "x"}, {"parent", "@b"}}},
-                   {"@b", {{"destroy", true}}},
-                   {"@b", {{"text", "b"}, {"parent", "@x"}}},
-                   {"@a", {{"parent", "@x"}}},
-                   {"@x", {{"parent", "@a"}}}},
+                  {"@x text=x parent=@b", "@b destroy=true", "@b text=b parent=@x", "@a parent=@x",
+                   "@x parent=@a"},
                   "root(P(c()) Q()) deleted()",
                   "inserted(-,0) destroyed(1,-) inserted(-,0) reparented(P 0>x 1) changed",
                   {"Removing node...", kIntoItself}}),
@@ -239,13 +201,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(SmallNotebook, DestroyLeavesTheDescendantsIndexedAndHoldsPicturesAside) {
     const Identifier key = m_document.addImage(nullptr, {1, 2, 3}, "png");
-    apply(named("g"), {{"text", ""}, {"parent", b->identifier()}, {"image", key}});
-    apply(b->identifier(), {{"destroy", true}});
+    m_document.applyDiff(record("@g text= parent=@b image=" + key.toString()));
+    m_document.applyDiff(record("@b destroy=true"));
     EXPECT_FALSE(m_document.node(b->identifier()));
     EXPECT_TRUE(m_document.node(named("g")));
-    apply(named("g"), {{"destroy", true}});
+    m_document.applyDiff(record("@g destroy=true"));
     EXPECT_FALSE(m_document.images().newImageData().contains(key));
-    apply(named("g"), {{"text", ""}, {"parent", P->identifier()}, {"image", key}});
+    m_document.applyDiff(record("@g text= parent=@P image=" + key.toString()));
     EXPECT_EQ(m_document.images().newImageData().at(key).data,
               (std::vector<std::uint8_t>{1, 2, 3}));
 }

@@ -5,8 +5,10 @@
 #include "document/InMemoryPreferences.h"
 #include "model/PlainDictionaryPrinter.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -76,8 +78,8 @@ public:
     std::vector<DocumentUpdate> m_updates;
 };
 
-// "P" with children a, b, c and an empty "Q" under the root. Texts of tables name these notes as
-// "@P", "@a" and so on; any other "@x" is a note the fixture lacks, a new identifier per case.
+// "P" with children a, b, c and an empty "Q" under the root. Tables name these notes "@P", "@a" and
+// so on, the roots "@root" and "@deleted"; any other "@x" is a new note, one per test.
 class SmallNotebook : public DocumentFixture {
 public:
     SmallNotebook() {
@@ -86,46 +88,47 @@ public:
         b = addNote(P, "b");
         c = addNote(P, "c");
         Q = addNote(m_document.rootNode(), "Q");
-        m_named = {{"P", P->identifier()},
-                   {"Q", Q->identifier()},
-                   {"a", a->identifier()},
-                   {"b", b->identifier()},
-                   {"c", c->identifier()},
-                   {"root", Identifier("root")},
-                   {"deleted", Identifier("deleted")}};
+        for (const NodePtr& node :
+             {P, Q, a, b, c, m_document.rootNode(), m_document.deletedRootNode()})
+            m_named.emplace(node->identifier().isUuid() ? node->text()
+                                                        : node->identifier().toString(),
+                            node->identifier());
     }
 
     Identifier named(std::string_view name) {
-        auto [entry, added] = m_named.try_emplace(std::string(name), Identifier::makeRandom());
-        return entry->second;
+        return m_named.try_emplace(std::string(name), Identifier::makeRandom()).first->second;
     }
 
     // The text with every "@x" replaced by the identifier of x.
     std::string resolved(std::string_view text) {
         std::string out;
         for (std::size_t at = 0; at < text.size();) {
-            if (text[at] != '@' || at + 1 == text.size()) {
-                out += text[at++];
-                continue;
-            }
-            std::size_t end = at + 1;
-            while (end < text.size() && std::isalnum(static_cast<unsigned char>(text[end])))
-                ++end;
-            out += named(text.substr(at + 1, end - at - 1)).toString();
-            at = end;
+            const std::size_t end = text.find_first_of(" ,.@", at + 1);
+            const std::string_view word = text.substr(at, end - at);
+            out += word.starts_with('@') ? named(word.substr(1)).toString() : std::string(word);
+            at = std::min(end, text.size());
         }
         return out;
     }
 
-    // The payload with its texts resolved; "deleted" and "root" stay the roots.
-    PlainDictionary resolved(const PlainDictionary& payload) {
-        PlainDictionary out;
-        for (const auto& [key, value] : payload) {
-            const std::optional<std::string> text = value.text();
-            out.set(key, text && text->starts_with('@') ? PlainValue(Identifier(resolved(*text)))
-                                                        : value);
+    // A record written "@x key=value ...": a value "@y" names a note, "true" and "false" are truth
+    // values, one starting with "#" is the JSON after it, anything else a text (no spaces).
+    DocumentDiff record(std::string_view text) {
+        std::istringstream words{std::string(text)};
+        std::string note;
+        words >> note;
+        PlainDictionary payload;
+        for (std::string word; words >> word;) {
+            const std::size_t equals = word.find('=');
+            const std::string value = word.substr(equals + 1);
+            payload.set(word.substr(0, equals),
+                        value == "true" || value == "false" ? PlainValue(value == "true")
+                        : value.starts_with('#')            ? PlainValue(RawJson{value.substr(1)})
+                        : value.starts_with('@')
+                            ? PlainValue(named(std::string_view(value).substr(1)))
+                            : PlainValue(value));
         }
-        return out;
+        return DocumentDiff(m_time, named(std::string_view(note).substr(1)), std::move(payload));
     }
 
     NodePtr P, a, b, c, Q;
