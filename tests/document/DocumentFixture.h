@@ -65,36 +65,8 @@ public:
         return out;
     }
 
-    TimePoint m_time = std::chrono::sys_days{std::chrono::year{2017} / 3 / 4};
-    InMemoryPreferences m_preferences;
-    Document m_document{m_preferences, nullptr, [this] {
-                            return m_time;
-                        }};
-    UndoManager m_undoManager;
-    Lines m_lines;
-    diagnostics::ScopedSink m_sink{[this](std::string_view line) {
-        m_lines.emplace_back(line);
-    }};
-    std::vector<DocumentUpdate> m_updates;
-};
-
-// "P" with children a, b, c and an empty "Q" under the root. Tables name these notes "@P", "@a" and
-// so on, the roots "@root" and "@deleted"; any other "@x" is a new note, one per test.
-class SmallNotebook : public DocumentFixture {
-public:
-    SmallNotebook() {
-        P = addNote(m_document.rootNode(), "P");
-        a = addNote(P, "a");
-        b = addNote(P, "b");
-        c = addNote(P, "c");
-        Q = addNote(m_document.rootNode(), "Q");
-        for (const NodePtr& node :
-             {P, Q, a, b, c, m_document.rootNode(), m_document.deletedRootNode()})
-            m_named.emplace(node->identifier().isUuid() ? node->text()
-                                                        : node->identifier().toString(),
-                            node->identifier());
-    }
-
+    // Tables name notes "@x": the roots "@root" and "@deleted", the notes a fixture names, and any
+    // other x a new identifier kept for the test.
     Identifier named(std::string_view name) {
         return m_named.try_emplace(std::string(name), Identifier::makeRandom()).first->second;
     }
@@ -131,8 +103,35 @@ public:
         return DocumentDiff(m_time, named(std::string_view(note).substr(1)), std::move(payload));
     }
 
+    TimePoint m_time = std::chrono::sys_days{std::chrono::year{2017} / 3 / 4};
+    InMemoryPreferences m_preferences;
+    Document m_document{m_preferences, nullptr, [this] {
+                            return m_time;
+                        }};
+    UndoManager m_undoManager;
+    Lines m_lines;
+    diagnostics::ScopedSink m_sink{[this](std::string_view line) {
+        m_lines.emplace_back(line);
+    }};
+    std::vector<DocumentUpdate> m_updates;
+    std::map<std::string, Identifier, std::less<>> m_named{{"root", Identifier("root")},
+                                                           {"deleted", Identifier("deleted")}};
+};
+
+// "P" with children a, b, c and an empty "Q" under the root, named "@P", "@a" and so on.
+class SmallNotebook : public DocumentFixture {
+public:
+    SmallNotebook() {
+        P = addNote(m_document.rootNode(), "P");
+        a = addNote(P, "a");
+        b = addNote(P, "b");
+        c = addNote(P, "c");
+        Q = addNote(m_document.rootNode(), "Q");
+        for (const NodePtr& node : {P, Q, a, b, c})
+            m_named.emplace(node->text(), node->identifier());
+    }
+
     NodePtr P, a, b, c, Q;
-    std::map<std::string, Identifier, std::less<>> m_named;
 };
 
 } // namespace quillery::testing_support

@@ -4,7 +4,7 @@
 #include "document/TextFolding.h"
 
 #include <algorithm>
-#include <functional>
+#include <sstream>
 
 namespace quillery {
 namespace {
@@ -12,8 +12,8 @@ namespace {
 using testing_support::DocumentFixture;
 using Texts = std::vector<std::string>;
 
-// Under the root: "Groceries" (apple pie, pear) and "Garden" (apple tree). Results are listed by
-// text, deleted notes marked with "~".
+// Under the root: "Groceries" (apple pie, pear) and "Garden" (apple tree), named "@groceries",
+// "@pie", "@pear", "@garden" and "@tree". Results are listed by text, deleted notes marked "~".
 class Searching : public DocumentFixture {
 public:
     Searching() {
@@ -22,6 +22,11 @@ public:
         pear = addNote(groceries, "pear");
         garden = addNote(m_document.rootNode(), "Garden");
         tree = addNote(garden, "apple tree");
+        m_named.insert({{"groceries", groceries->identifier()},
+                        {"pie", pie->identifier()},
+                        {"pear", pear->identifier()},
+                        {"garden", garden->identifier()},
+                        {"tree", tree->identifier()}});
         m_index = std::make_unique<SearchIndex>(m_document);
         m_index->waitUntilReady();
     }
@@ -32,151 +37,122 @@ public:
             result.push_back((hit.deleted ? "~" : "") + hit.node->text());
         return result;
     }
-    Texts found(std::string_view query, bool deleted = false) {
-        return texts(*m_index, query, deleted);
-    }
-    // What an index built from scratch finds now.
-    Texts foundAfresh(std::string_view query, bool deleted = false) {
-        SearchIndex fresh(m_document);
-        fresh.waitUntilReady();
-        return texts(fresh, query, deleted);
-    }
-    Document& document() { return m_document; }
-    // A record from another installation, as a merge applies it.
-    void merge(const Identifier& identifier, PlainDictionary payload) {
-        apply(identifier, std::move(payload));
-    }
-    void destroy(const NodePtr& node) { merge(node->identifier(), {{"destroy", true}}); }
     void add(const NodePtr& parent, std::string text, long at = -1) {
         m_document.userDidAdd(*NotebookNode::create(parent->identifier(), std::move(text)), *parent,
                               at);
+    }
+
+    // One change: "edit @x TEXT", "add @parent AT TEXT", "reorder @x AT", "move @x @parent AT",
+    // "delete @x", "undo", "redo", or a record from another installation.
+    void change(const std::string& step) {
+        std::istringstream words(step);
+        std::string verb, note, rest;
+        words >> verb >> note;
+        auto node = [&](const std::string& name) {
+            return m_document.node(named(name.substr(1)));
+        };
+        auto number = [&] {
+            long at = 0;
+            words >> at;
+            return at;
+        };
+        auto text = [&] {
+            std::getline(words >> std::ws, rest);
+            return rest;
+        };
+        if (verb == "edit") {
+            m_document.userDidModify(*node(note), text());
+        } else if (verb == "add") {
+            const long at = number();
+            add(node(note), text(), at);
+        } else if (verb == "reorder") {
+            m_document.userDidMove(*node(note), static_cast<std::size_t>(number()));
+        } else if (verb == "move") {
+            std::string parent;
+            words >> parent;
+            m_document.userDidMove(*node(note), *node(parent), static_cast<std::size_t>(number()));
+        } else if (verb == "delete") {
+            m_document.userDidMove(*node(note), *m_document.deletedRootNode());
+        } else if (verb == "undo") {
+            m_undoManager.undo();
+        } else if (verb == "redo") {
+            m_undoManager.redo();
+        } else {
+            m_document.applyDiff(record(step), true);
+        }
     }
 
     NodePtr groceries, pie, pear, garden, tree;
     std::unique_ptr<SearchIndex> m_index; // made once the notes above are in place
 };
 
+// Changes, then a query ("~" first: deleted notes too) and what it finds.
 struct ChangeCase {
     const char* name;
-    std::function<void(Searching&)> change;
-    const char* query;
-    bool deleted;
-    Texts expected;
+    std::vector<std::string> changes;
+    std::string query;
+    Texts found;
+
+    friend void PrintTo(const ChangeCase& c, std::ostream* out) { *out << c.name; }
 };
 
-class IndexFollowsChangesTest : public Searching,
-                                public ::testing::WithParamInterface<ChangeCase> {};
+class IndexFollowsChanges : public Searching, public ::testing::WithParamInterface<ChangeCase> {};
 
-TEST_P(IndexFollowsChangesTest, FindsWhatAFreshIndexFinds) {
-    GetParam().change(*this);
-    EXPECT_EQ(found(GetParam().query, GetParam().deleted), GetParam().expected);
-    EXPECT_EQ(found(GetParam().query, GetParam().deleted),
-              foundAfresh(GetParam().query, GetParam().deleted));
+TEST_P(IndexFollowsChanges, FindsWhatAFreshIndexFinds) {
+    for (const std::string& step : GetParam().changes)
+        change(step);
+    const bool deleted = GetParam().query.starts_with('~');
+    const std::string query = GetParam().query.substr(deleted ? 1 : 0);
+    EXPECT_EQ(texts(*m_index, query, deleted), GetParam().found);
+    SearchIndex fresh(m_document);
+    fresh.waitUntilReady();
+    EXPECT_EQ(texts(*m_index, query, deleted), texts(fresh, query, deleted));
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Cases, IndexFollowsChangesTest,
+    Cases, IndexFollowsChanges,
     ::testing::Values(
-        ChangeCase{"Nothing", [](Searching&) {}, "apple", false, {"apple pie", "apple tree"}},
-        ChangeCase{"Edit",
-                   [](Searching& s) { s.document().userDidModify(*s.pie, "Apple crumble"); },
-                   "apple",
-                   false,
-                   {"Apple crumble", "apple tree"}},
-        ChangeCase{"EditAwayTheWord",
-                   [](Searching& s) { s.document().userDidModify(*s.pie, "plum cake"); },
-                   "apple",
-                   false,
-                   {"apple tree"}},
+        ChangeCase{"Nothing", {}, "apple", {"apple pie", "apple tree"}},
+        ChangeCase{"Edit", {"edit @pie Apple crumble"}, "apple", {"Apple crumble", "apple tree"}},
+        ChangeCase{"EditAwayTheWord", {"edit @pie plum cake"}, "apple", {"apple tree"}},
         ChangeCase{"AddFirst",
-                   [](Searching& s) { s.add(s.groceries, "apple jam", 0); },
+                   {"add @groceries 0 apple jam"},
                    "apple",
-                   false,
                    {"apple jam", "apple pie", "apple tree"}},
         ChangeCase{"AddLast",
-                   [](Searching& s) { s.add(s.garden, "apple juice"); },
+                   {"add @garden -1 apple juice"},
                    "apple",
-                   false,
                    {"apple pie", "apple tree", "apple juice"}},
         ChangeCase{"AddUnderALeaf",
-                   [](Searching& s) { s.add(s.pie, "apple sauce"); },
+                   {"add @pie -1 apple sauce"},
                    "apple",
-                   false,
                    {"apple pie", "apple sauce", "apple tree"}},
-        ChangeCase{"Reorder",
-                   [](Searching& s) { s.document().userDidMove(*s.pie, 2); },
-                   "p",
-                   false,
-                   {"pear", "apple pie", "apple tree"}},
+        ChangeCase{"Reorder", {"reorder @pie 2"}, "p", {"pear", "apple pie", "apple tree"}},
         ChangeCase{"MoveToAnotherParent",
-                   [](Searching& s) { s.document().userDidMove(*s.tree, *s.groceries, 0); },
+                   {"move @tree @groceries 0"},
                    "apple",
-                   false,
                    {"apple tree", "apple pie"}},
         ChangeCase{"MoveAParentWithItsNotes",
-                   [](Searching& s) { s.document().userDidMove(*s.garden, 0); },
+                   {"reorder @garden 0"},
                    "a",
-                   false,
                    {"Garden", "apple tree", "apple pie", "pear"}},
+        ChangeCase{"Delete", {"delete @pie"}, "apple", {"apple tree"}},
         ChangeCase{
-            "Delete",
-            [](Searching& s) { s.document().userDidMove(*s.pie, *s.document().deletedRootNode()); },
-            "apple",
-            false,
-            {"apple tree"}},
-        ChangeCase{"DeletedWhenAsked",
-                   [](Searching& s) {
-                       s.document().userDidMove(*s.groceries, *s.document().deletedRootNode());
-                   },
-                   "apple",
-                   true,
-                   {"apple tree", "~apple pie"}},
-        ChangeCase{"UndoDelete",
-                   [](Searching& s) {
-                       s.document().userDidMove(*s.pie, *s.document().deletedRootNode());
-                       s.m_undoManager.undo();
-                   },
-                   "apple",
-                   true,
-                   {"apple pie", "apple tree"}},
+            "DeletedWhenAsked", {"delete @groceries"}, "~apple", {"apple tree", "~apple pie"}},
+        ChangeCase{"UndoDelete", {"delete @pie", "undo"}, "~apple", {"apple pie", "apple tree"}},
         ChangeCase{"UndoAndRedoEdit",
-                   [](Searching& s) {
-                       s.document().userDidModify(*s.tree, "oak");
-                       s.m_undoManager.undo();
-                       s.m_undoManager.redo();
-                       s.m_undoManager.undo();
-                   },
+                   {"edit @tree oak", "undo", "redo", "undo"},
                    "apple",
-                   false,
                    {"apple pie", "apple tree"}},
-        ChangeCase{"DestroyAParent",
-                   [](Searching& s) { s.destroy(s.groceries); },
-                   "apple",
-                   true,
-                   {"apple tree"}},
-        ChangeCase{"MergedEdit",
-                   [](Searching& s) {
-                       s.merge(s.tree->identifier(), {{"text", "plum tree"}});
-                   },
-                   "tree",
-                   false,
-                   {"plum tree"}},
+        ChangeCase{"DestroyAParent", {"@groceries destroy=true"}, "~apple", {"apple tree"}},
+        ChangeCase{"MergedEdit", {"@tree text=plum-tree"}, "tree", {"plum-tree"}},
         ChangeCase{"MergedNote",
-                   [](Searching& s) {
-                       s.merge(Identifier::makeRandom(),
-                               {{"text", "apple cider"}, {"parent", s.garden->identifier()}});
-                   },
+                   {"@new text=apple-cider parent=@garden"},
                    "apple",
-                   false,
-                   {"apple pie", "apple tree", "apple cider"}},
+                   {"apple pie", "apple tree", "apple-cider"}},
         ChangeCase{"WebAddress",
-                   [](Searching& s) {
-                       s.merge(Identifier::makeRandom(), {{"text", "Reading"},
-                                                          {"url", "https://example.org/Pears"},
-                                                          {"parent", s.garden->identifier()}});
-                   },
+                   {"@new text=Reading url=https://example.org/Pears parent=@garden"},
                    "example pears",
-                   false,
                    {"Reading"}}),
     [](const auto& param) { return std::string(param.param.name); });
 
@@ -230,21 +206,18 @@ TEST_F(Searching, NotesAddedAgainAndAgainAtOnePlaceStayInOrder) {
     for (int i = 0; i < 100; ++i)
         add(groceries, "apple " + std::to_string(i), 0);
     m_index->waitUntilReady();
-    EXPECT_EQ(found("apple"), foundAfresh("apple"));
-    EXPECT_EQ(found("apple").front(), "apple 99");
+    SearchIndex fresh(m_document);
+    fresh.waitUntilReady();
+    EXPECT_EQ(texts(*m_index, "apple", false), texts(fresh, "apple", false));
+    EXPECT_EQ(texts(*m_index, "apple", false).front(), "apple 99");
 }
 
-TEST_F(Searching, EditsWhileBuildingAreFound) {
+TEST_F(Searching, EditsAndNotesMadeWhileBuildingAreFound) {
     SearchIndex index(m_document);
     m_document.userDidModify(*pear, "pear tart");
-    index.waitUntilReady();
-    EXPECT_EQ(texts(index, "tart", false), Texts{"pear tart"});
-}
-
-TEST_F(Searching, NotesAddedWhileBuildingAreFound) {
-    SearchIndex index(m_document);
     add(garden, "apple seed");
     index.waitUntilReady();
+    EXPECT_EQ(texts(index, "tart", false), Texts{"pear tart"});
     EXPECT_EQ(texts(index, "seed", false), Texts{"apple seed"});
 }
 
@@ -260,15 +233,9 @@ TEST_F(Searching, AVeryDeepTreeNeedsNoDeepStack) {
     EXPECT_EQ(index.find("milestone", false).total, 100u);
 }
 
-TEST(AncestorFirstLines, NamesThePathWithoutTheRoots) {
-    InMemoryPreferences preferences;
-    Document document(preferences);
-    auto top = NotebookNode::create(document.rootNode()->identifier(), "Top\nmore");
-    document.userDidAdd(*top, *document.rootNode(), -1);
-    NodePtr added = document.rootNode()->children().front();
-    auto child = NotebookNode::create(added->identifier(), "child");
-    document.userDidAdd(*child, *added, -1);
-    EXPECT_EQ(ancestorFirstLines(*added->children().front()), std::vector<std::string_view>{"Top"});
+TEST_F(Searching, AncestorFirstLinesNameThePathWithoutTheRoots) {
+    m_document.userDidModify(*groceries, "Groceries\nfor the week");
+    EXPECT_EQ(ancestorFirstLines(*pie), std::vector<std::string_view>{"Groceries"});
 }
 
 } // namespace
