@@ -72,8 +72,7 @@ void Document::applyDiff(const DocumentDiff& diff, bool withNotification) {
 }
 
 std::optional<DocumentUpdate> Document::applyCreation(const DocumentDiff& diff) {
-    NodePtr created =
-        NotebookNodeFromPlainDictionary(diff.identifier, diff.timestamp, diff.payload);
+    NodePtr created = NotebookNodeFromPlainDictionary(diff.identifier, diff.payload);
     if (!created)
         return std::nullopt;
     NotebookNode* parent = m_nodeLookup.find(created->parentIdentifier());

@@ -82,7 +82,7 @@ PlainDictionary PlainDictionaryFromNotebookNode(const NotebookNode& node) {
     return dictionary;
 }
 
-NodePtr NotebookNodeFromPlainDictionary(const Identifier& identifier, TimePoint /*timestamp*/,
+NodePtr NotebookNodeFromPlainDictionary(const Identifier& identifier,
                                         const PlainDictionary& dictionary) {
     const PlainValue* text = dictionary.find("text");
     if (!text || !text->isText())

@@ -82,7 +82,7 @@ private:
 PlainDictionary PlainDictionaryFromNotebookNode(const NotebookNode& node);
 // Rebuilds a node from a dictionary that has "text" and "parent" texts; the identifier comes from
 // the caller (the record), never from the dictionary.
-NodePtr NotebookNodeFromPlainDictionary(const Identifier& identifier, TimePoint timestamp,
+NodePtr NotebookNodeFromPlainDictionary(const Identifier& identifier,
                                         const PlainDictionary& dictionary);
 
 } // namespace quillery
