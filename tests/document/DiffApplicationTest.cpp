@@ -214,7 +214,7 @@ TEST_F(SmallNotebook, DestroyLeavesTheDescendantsIndexedAndHoldsPicturesAside) {
 
 TEST_F(SmallNotebook, EitherRootIsAnAncestorOfEverythingAndNothingIsItsOwn) {
     NodePtr child = addNote(a, "child");
-    apply(Q->identifier(), {{"parent", "deleted"}});
+    m_document.applyDiff(record("@Q parent=@deleted"));
     const NodePtr& root = m_document.rootNode();
     const NodePtr& deleted = m_document.deletedRootNode();
     const std::vector<std::tuple<NodePtr, NodePtr, bool>> cases{

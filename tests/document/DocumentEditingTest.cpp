@@ -119,7 +119,7 @@ TEST_F(SmallNotebook, AMoveBeyondTheChildrenIsAProgrammingError) {
 
 TEST_F(SmallNotebook, AReorderWithoutAnIndexedParentRecordsNothing) {
     NodePtr orphan = addNote(b, "orphan");
-    apply(b->identifier(), {{"destroy", true}});
+    m_document.applyDiff(record("@b destroy=true"));
     m_document.userDidMove(*orphan, 0);
     EXPECT_TRUE(m_document.diffs().empty());
     EXPECT_FALSE(m_undoManager.canUndo());

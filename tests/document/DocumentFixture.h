@@ -35,19 +35,6 @@ public:
         return m_document.node(identifier);
     }
 
-    // Applies a record as one from another installation is applied, with notification.
-    void apply(const Identifier& identifier, PlainDictionary payload) {
-        m_document.applyDiff(DocumentDiff(m_time, identifier, std::move(payload)), true);
-    }
-
-    // The texts of the node's children, in order.
-    static Lines texts(const NodePtr& parent) {
-        Lines result;
-        for (const auto& child : parent->children())
-            result.push_back(child->text());
-        return result;
-    }
-
     // The tree under both roots as one line, e.g. "root(a(b) c) deleted()".
     std::string outline() const {
         return describe(*m_document.rootNode()) + " " + describe(*m_document.deletedRootNode());
