@@ -26,6 +26,8 @@
 #include <QMenuBar>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace quillery {
 
 namespace {
@@ -237,8 +239,8 @@ void DocumentWindow::showColumns() {
 void DocumentWindow::rebuildContent() {
     // The old columns still show the old nodes, and so still know which notes were open.
     const ColumnRowState where = ColumnRowState::capture(*m_content);
-    delete m_content;
-    m_content = nullptr;
+    // Deleting the columns moves the focus, and the focus handlers must not reach them meanwhile.
+    delete std::exchange(m_content, nullptr);
     showColumns();
     where.restore(*m_content, *m_document);
 }
