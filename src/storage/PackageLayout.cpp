@@ -74,6 +74,11 @@ std::string pictureKeyFromFileName(std::string_view fileName) {
     removeAll(key, ".jpg");
     removeAll(key, ".png");
     removeAll(key, ".tiff");
+    // A picture dropped as a file keeps the format it came in (KEY.gif, KEY.bmp, ...); its key is
+    // still the UUID before the extension.
+    const auto dot = key.rfind('.');
+    if (dot != std::string::npos && Identifier(std::string_view(key).substr(0, dot)).isUuid())
+        key.resize(dot);
     return key;
 }
 

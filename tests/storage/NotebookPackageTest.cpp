@@ -261,7 +261,10 @@ TEST_F(NotebookPackageTest, LinksInsideThePackageAreNeverReadNorWrittenThrough) 
 
 TEST_F(NotebookPackageTest, PicturesAreIndexedByFileNameWithoutKnownExtensions) {
     std::filesystem::create_directories(m_package / "images");
-    for (const char* name : {"3F2A.png", "3F2B.PNG", "a.png.jpg", "photo.jpeg", "b.tiff"})
+    const std::string uuid = "0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9";
+    for (const std::string& name :
+         std::vector<std::string>{"3F2A.png", "3F2B.PNG", "a.png.jpg", "photo.jpeg", "b.tiff",
+                                  uuid + ".gif", "note.gif"})
         writeText(m_package / "images" / name, "PIC");
     writeText(m_package / "images" / "broken.png", "not a picture");
     std::filesystem::create_directory(m_package / "images" / "folder.png");
@@ -269,11 +272,13 @@ TEST_F(NotebookPackageTest, PicturesAreIndexedByFileNameWithoutKnownExtensions) 
     open(m_a, m_package);
 
     for (const auto& [key, name] :
-         std::vector<std::pair<const char*, const char*>>{{"3F2A", "3F2A.png"},
+         std::vector<std::pair<std::string, std::string>>{{"3F2A", "3F2A.png"},
                                                           {"3F2B.PNG", "3F2B.PNG"},
                                                           {"a", "a.png.jpg"},
                                                           {"photo.jpeg", "photo.jpeg"},
-                                                          {"b", "b.tiff"}})
+                                                          {"b", "b.tiff"},
+                                                          {uuid, uuid + ".gif"},
+                                                          {"note.gif", "note.gif"}})
         EXPECT_EQ(m_a.document->url(Identifier(key)), m_package / "images" / name);
     EXPECT_FALSE(m_a.document->url(Identifier("broken")));
     EXPECT_FALSE(m_a.document->url(Identifier("folder")));
