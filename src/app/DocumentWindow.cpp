@@ -170,6 +170,7 @@ void DocumentWindow::connectActions() {
 void DocumentWindow::attachDocument() {
     m_document->setUndoManager(m_undoManager.get());
     m_undoManager->setChangeListener([this] { documentChanged(); });
+    m_document->setUndoRefusedHandler([this](UndoObstacle why) { m_undoObstacle = why; });
     m_observer = m_document->addObserver([this](const DocumentUpdate& update) {
         if (update.type == NodeUpdateType::reloadedTree)
             rebuildContent();
@@ -181,11 +182,35 @@ void DocumentWindow::attachDocument() {
 
 void DocumentWindow::stepThroughHistory(void (UndoManager::*step)()) {
     std::optional<DocumentUpdate> change;
+    const QString undoName = QString::fromStdString(m_undoManager->undoActionName());
     m_historyChange = &change;
+    m_undoObstacle.reset();
     (m_undoManager.get()->*step)();
     m_historyChange = nullptr;
+    if (m_undoObstacle)
+        m_messageBar->showMessage(undoRefusedText(undoName, *m_undoObstacle));
     if (change)
         showChangedNote(*change);
+}
+
+QString DocumentWindow::undoRefusedText(const QString& actionName, UndoObstacle why) {
+    switch (why) {
+    case UndoObstacle::noteGone:
+        return tr("Couldn't undo “%1”: its note has since been removed on another computer or by "
+                  "another program. Nothing was changed; older steps can still be undone.")
+            .arg(actionName);
+    case UndoObstacle::notesAddedBeneath:
+        return tr("Couldn't undo “%1”: notes have since been added beneath that note on another "
+                  "computer or by another program, and undoing would remove them too. Delete the "
+                  "note instead if you don't want it.")
+            .arg(actionName);
+    case UndoObstacle::placeGone:
+        return tr("Couldn't undo “%1”: the place the note came from has since been removed on "
+                  "another computer or by another program. Move the note by hand if you want it "
+                  "elsewhere.")
+            .arg(actionName);
+    }
+    return {};
 }
 
 void DocumentWindow::showChangedNote(const DocumentUpdate& change) {
@@ -213,6 +238,7 @@ void DocumentWindow::detachDocument() {
     m_undoManager->setChangeListener({});
     m_document->removeObserver(m_observer);
     m_document->setUndoManager(nullptr);
+    m_document->setUndoRefusedHandler({});
 }
 
 void DocumentWindow::showContent() {

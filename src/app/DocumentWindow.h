@@ -89,6 +89,7 @@ private:
     void documentChanged();
     // Undo or Redo, then the note the step changed selected, in view and with the keyboard.
     void stepThroughHistory(void (UndoManager::*step)());
+    static QString undoRefusedText(const QString& actionName, UndoObstacle why);
     void showChangedNote(const DocumentUpdate& change);
     void updateTitle();
     void updateActions();
@@ -109,6 +110,8 @@ private:
     Document::ObserverId m_observer = 0;
     // While an undo or redo runs: the last change it made.
     std::optional<DocumentUpdate>* m_historyChange = nullptr;
+    // While an undo runs: why it was refused, if it was.
+    std::optional<UndoObstacle> m_undoObstacle;
     QString m_untitledName;
     QVBoxLayout* m_contentLayout = nullptr;
     MessageBar* m_messageBar = nullptr;

@@ -33,6 +33,14 @@ inline constexpr std::string_view kCouldNotFindParentLine =
 // identifier to node, this client's log of records, the undo and redo stacks and the pictures.
 // The tree changes only through applyDiff(); edits, undo, redo and replay all end there.
 // Single-threaded, like the views that show it.
+// Why an undo step was refused: what it would take back has changed elsewhere since (another
+// machine or process merged records in between).
+enum class UndoObstacle {
+    noteGone,          // a note the step changed is no longer in the notebook
+    notesAddedBeneath, // taking back an addition would also take notes added beneath it since
+    placeGone,         // the parent a note would go back to is no longer in the notebook
+};
+
 class Document {
 public:
     using Clock = std::function<TimePoint()>;
@@ -104,6 +112,11 @@ public:
     // The history the app's Edit menu drives; undo and redo run only through it. Its steps call
     // back into this document: clear it (removeAllActions) or drop it before the document goes.
     void setUndoManager(UndoManager* undoManager) { m_undoManager = undoManager; }
+    // Told when an undo step is refused. The step leaves the history and its records stay in the
+    // log, as what it did stays in the notebook; older steps can still be undone.
+    void setUndoRefusedHandler(std::function<void(UndoObstacle)> handler) {
+        m_undoRefused = std::move(handler);
+    }
 
     // Edits and redos count up, undos count down; the document has unsaved changes while the
     // count differs from the one recorded at the last save.
@@ -208,6 +221,8 @@ private:
     // that goes the other way.
     void undo(std::size_t records = 1);
     void redo(std::size_t records = 1);
+    // What keeps the top records of the undo stack from being taken back as they were made.
+    std::optional<UndoObstacle> undoObstacle(std::size_t records) const;
     void announce(const DocumentUpdate& update);
     // Journals the record with its reverse when journaling is on, then applies it with
     // notification.
@@ -234,7 +249,13 @@ private:
     Identifier m_sessionIdentifier = Identifier::makeRandom();
     Clock m_clock;
     std::vector<DocumentDiff> m_diffs;
-    std::vector<DocumentDiff> m_undoDiffs;
+    // A record's reverse, and where the record stands in the log: a refused undo step leaves its
+    // records there, so the log's end is not always the record an undo takes back.
+    struct Reversal {
+        DocumentDiff reverse;
+        std::size_t logIndex;
+    };
+    std::vector<Reversal> m_undoDiffs;
     std::vector<DocumentDiff> m_redoDiffs;
     NodePtr m_rootNode;
     NodePtr m_deletedRootNode;
@@ -244,6 +265,7 @@ private:
     DeletionOrigins m_deletionOrigins;
     std::optional<std::filesystem::path> m_fileLocation;
     UndoManager* m_undoManager = nullptr;
+    std::function<void(UndoObstacle)> m_undoRefused;
     std::int64_t m_changeCount = 0;
     std::int64_t m_savedChangeCount = 0;
     std::vector<ObserverEntry> m_observers;

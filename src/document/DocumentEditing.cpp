@@ -1,8 +1,10 @@
 // Document's edit operations, reverse records, undo and redo.
 #include "document/Document.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <unordered_set>
 
 namespace quillery {
 
@@ -37,9 +39,9 @@ void Document::record(DocumentDiff diff) {
     m_lastEditJournaled = false;
     if (m_journalingEnabled) {
         // The reverse is read off the tree as it is before the change.
-        DocumentDiff reverse = reverseDiff(diff);
+        Reversal reversal{reverseDiff(diff), m_diffs.size()};
         appendDiff(diff);
-        m_undoDiffs.push_back(std::move(reverse));
+        m_undoDiffs.push_back(std::move(reversal));
         m_lastEditJournaled = true;
     }
     applyDiff(diff, true);
@@ -167,23 +169,52 @@ void Document::registerUndo() {
         m_undoManager->registerUndo([this] { undo(); });
 }
 
+std::optional<UndoObstacle> Document::undoObstacle(std::size_t records) const {
+    std::unordered_set<Identifier, IdentifierHash> takenOut;
+    for (auto at = m_undoDiffs.rbegin(); at != m_undoDiffs.rbegin() + records; ++at) {
+        const DocumentDiff& reverse = at->reverse;
+        const NotebookNode* target = m_nodeLookup.find(reverse.identifier);
+        if (!target)
+            return UndoObstacle::noteGone;
+        if (reverse.payload.contains("destroy")) {
+            for (const NodePtr& child : target->children())
+                if (!takenOut.contains(child->identifier()))
+                    return UndoObstacle::notesAddedBeneath;
+            takenOut.insert(reverse.identifier);
+        }
+        if (const PlainValue* parent = reverse.payload.find("parent"))
+            if (const Identifier* place = parent->textIdentifier())
+                if (!m_nodeLookup.find(*place) || takenOut.contains(*place))
+                    return UndoObstacle::placeGone;
+    }
+    return std::nullopt;
+}
+
 void Document::undo(std::size_t records) {
-    std::size_t undone = 0;
-    for (; undone < records && !m_undoDiffs.empty(); ++undone) {
-        DocumentDiff reverse = std::move(m_undoDiffs.back());
+    records = std::min(records, m_undoDiffs.size());
+    if (const std::optional<UndoObstacle> obstacle = undoObstacle(records)) {
+        m_undoDiffs.erase(m_undoDiffs.end() - static_cast<std::ptrdiff_t>(records),
+                          m_undoDiffs.end());
+        if (m_undoRefused)
+            m_undoRefused(*obstacle);
+        return;
+    }
+    for (std::size_t undone = 0; undone < records; ++undone) {
+        Reversal reversal = std::move(m_undoDiffs.back());
         m_undoDiffs.pop_back();
         {
             JournalingPause pause(m_journalingEnabled);
-            applyDiff(reverse, true);
+            applyDiff(reversal.reverse, true);
         }
-        if (!m_diffs.empty()) {
-            m_redoDiffs.push_back(std::move(m_diffs.back()));
-            m_diffs.pop_back();
+        if (reversal.logIndex < m_diffs.size()) {
+            const auto forward = m_diffs.begin() + static_cast<std::ptrdiff_t>(reversal.logIndex);
+            m_redoDiffs.push_back(std::move(*forward));
+            m_diffs.erase(forward);
         }
         --m_changeCount;
     }
-    if (undone > 0 && m_undoManager)
-        m_undoManager->registerUndo([this, undone] { redo(undone); });
+    if (records > 0 && m_undoManager)
+        m_undoManager->registerUndo([this, records] { redo(records); });
 }
 
 void Document::redo(std::size_t records) {
@@ -192,7 +223,7 @@ void Document::redo(std::size_t records) {
         DocumentDiff forward = std::move(m_redoDiffs.back());
         m_redoDiffs.pop_back();
         if (m_journalingEnabled) {
-            m_undoDiffs.push_back(reverseDiff(forward));
+            m_undoDiffs.push_back({reverseDiff(forward), m_diffs.size()});
             appendDiff(forward);
         }
         applyDiff(forward, true);

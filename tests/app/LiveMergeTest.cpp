@@ -70,6 +70,28 @@ TEST_F(LiveMergeTest, UndoAfterAMergeTakesBackOnlyTheLocalEdit) {
     EXPECT_EQ(shown(window.columnRow()->column(0)), (std::vector<std::string>{"A", "Theirs"}));
 }
 
+TEST_F(LiveMergeTest, UndoThatWouldTakeNotesAddedElsewhereIsRefusedAndSaysWhy) {
+    const auto location = makePackage("Trip.quillery", {"A"});
+    DocumentWindow& window = *controller.openDocument(location);
+    addNote(window, "Mine");
+    ASSERT_TRUE(window.save());
+    {
+        InMemoryPreferences elsewhere;
+        Document other(elsewhere, &codec, [] { return std::chrono::system_clock::now() + 1min; });
+        ASSERT_FALSE(package::read(other, location, codec).has_value());
+        const NodePtr mine = other.rootNode()->children()[1];
+        other.userDidAdd(*NotebookNode::create(mine->identifier(), "Theirs"), *mine, -1);
+        ASSERT_FALSE(package::saveInPlace(other).has_value());
+    }
+    merge(window);
+
+    action(window, "actionUndo").trigger();
+
+    EXPECT_EQ(shown(window.columnRow()->column(0)), (std::vector<std::string>{"A", "Mine"}));
+    EXPECT_TRUE(window.messageBar()->text().contains(QStringLiteral("Couldn't undo “Add Note”")));
+    EXPECT_FALSE(window.undoManager().canUndo());
+}
+
 TEST_F(LiveMergeTest, EarlierNotesAreReplayedAndTheSameColumnsOpenAgain) {
     const auto location = makePackage("Trip.quillery", {"A", "B"});
     DocumentWindow& window = *controller.openDocument(location);

@@ -1,6 +1,7 @@
 #include "DocumentFixture.h"
 
 #include <functional>
+#include <optional>
 
 namespace quillery {
 namespace {
@@ -111,6 +112,58 @@ INSTANTIATE_TEST_SUITE_P(
         EditCase{"ReorderTheLastToTheFront",
                  [](SmallNotebook& n) { n.m_document.userDidMove(*n.c, 0); }, "@c before=@a",
                  "root(P(c() a() b()) Q()) deleted()", "Reorder Note", kMoved, kMoved}),
+    [](const auto& caseInfo) { return std::string(caseInfo.param.name); });
+
+// An edit of the user's, then a record merged from elsewhere, then Undo: it takes back exactly the
+// edit, or refuses and leaves the edit in the log, and the step before it still undoes.
+struct MergedCase {
+    const char* name;
+    std::function<void(SmallNotebook&)> edit;
+    const char* elsewhere; // as SmallNotebook::record reads it
+    std::optional<UndoObstacle> obstacle;
+    const char* outline; // after the undo of the edit
+};
+
+class UndoAfterMerge : public SmallNotebook, public testing::WithParamInterface<MergedCase> {};
+
+TEST_P(UndoAfterMerge, TakesBackExactlyTheEditOrSaysWhyNot) {
+    const MergedCase& merged = GetParam();
+    std::optional<UndoObstacle> refused;
+    m_document.setUndoRefusedHandler([&](UndoObstacle why) { refused = why; });
+    m_document.userDidModify(*a, "A");
+    merged.edit(*this);
+    const DocumentDiff edit = m_document.diffs().back();
+    m_document.applyDiff(record(merged.elsewhere), true);
+
+    m_undoManager.undo();
+    EXPECT_EQ(refused, merged.obstacle);
+    EXPECT_EQ(outline(), merged.outline);
+    m_undoManager.undo();
+    EXPECT_EQ(a->text(), "a");
+    // A refused edit stays in the log, as it stays in the notebook.
+    const std::vector<PlainDictionary> logged = {edit.payload};
+    std::vector<PlainDictionary> log;
+    for (const DocumentDiff& diff : m_document.diffs())
+        log.push_back(diff.payload);
+    EXPECT_EQ(log, merged.obstacle ? logged : std::vector<PlainDictionary>{});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, UndoAfterMerge,
+    testing::Values(
+        MergedCase{"EditOfANoteMovedElsewhere",
+                   [](SmallNotebook& n) { n.m_document.userDidModify(*n.b, "B"); }, "@b parent=@Q",
+                   std::nullopt, "root(P(A() c()) Q(b())) deleted()"},
+        MergedCase{"EditOfANoteGoneElsewhere",
+                   [](SmallNotebook& n) { n.m_document.userDidModify(*n.b, "B"); },
+                   "@b destroy=true", UndoObstacle::noteGone, "root(P(A() c()) Q()) deleted()"},
+        MergedCase{"AdditionThatGainedNotesElsewhere",
+                   [](SmallNotebook& n) { n.m_document.userDidAdd(*newNote(n, n.Q), *n.Q, -1); },
+                   "@x identifier=@x text=x parent=@new", UndoObstacle::notesAddedBeneath,
+                   "root(P(A() b() c()) Q(new(x()))) deleted()"},
+        MergedCase{"MoveFromAParentGoneElsewhere",
+                   [](SmallNotebook& n) { n.m_document.userDidMove(*n.c, *n.Q); },
+                   "@P destroy=true", UndoObstacle::placeGone, "root(Q(c())) deleted()"}),
     [](const auto& caseInfo) { return std::string(caseInfo.param.name); });
 
 TEST_F(SmallNotebook, AMoveBeyondTheChildrenIsAProgrammingError) {
