@@ -6,6 +6,7 @@
 #include "storage/NotebookPackage.h"
 #include "storage/PosixFileSystem.h"
 
+#include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 
 namespace quillery {
@@ -137,6 +138,9 @@ void LiveMerge::adoptReplay() {
         return;
     }
     m_document.adoptReplayedTree(*fresh);
+    // The fresh document now holds the tree that was shown, which nothing refers to any more;
+    // freeing a million nodes is better done where it keeps no window waiting.
+    QThreadPool::globalInstance()->start([old = fresh.release()] { delete old; });
     finishRound();
 }
 
