@@ -64,9 +64,11 @@ ColumnRow::ColumnRow(Document* document, QWidget* parent)
             [this](QWidget*, QWidget* now) { noteFocus(now); });
 }
 
-// Columns and panels are children and go with the widget; nothing else to release. Spelled out
-// so that the NoteColumn type is complete where the pointers die.
-ColumnRow::~ColumnRow() = default;
+// Columns and panels are children and go with the widget. Deleting them moves the focus while
+// this object is only a QWidget any more, so the focus handler must be gone by then.
+ColumnRow::~ColumnRow() {
+    disconnect(qApp, &QApplication::focusChanged, this, nullptr);
+}
 
 NodePtr ColumnRow::rootNode() const {
     return m_document ? m_document->rootNode() : nullptr;
