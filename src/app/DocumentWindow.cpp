@@ -1,6 +1,7 @@
 #include "app/DocumentWindow.h"
 
 #include "app/AppCommands.h"
+#include "app/BackgroundRelease.h"
 #include "app/ClipboardCommands.h"
 #include "app/DocumentController.h"
 #include "app/DocumentPrompts.h"
@@ -81,7 +82,7 @@ DocumentWindow::DocumentWindow(DocumentController& controller, std::unique_ptr<D
 }
 
 // The columns observe the document, so they go first; the document then lets go of the undo
-// history that is about to go too.
+// history that is about to go too, and is freed in the background.
 DocumentWindow::~DocumentWindow() {
     // The focus moves as the columns go; a half-destroyed window must not hear of it.
     disconnect(qApp, &QApplication::focusChanged, this, nullptr);
@@ -89,6 +90,7 @@ DocumentWindow::~DocumentWindow() {
     delete takeCentralWidget();
     m_content = nullptr;
     detachDocument();
+    releaseInBackground(std::move(m_document));
 }
 
 ColumnRow* DocumentWindow::columnRow() const {

@@ -1,12 +1,12 @@
 #include "app/LiveMerge.h"
 
+#include "app/BackgroundRelease.h"
 #include "document/Document.h"
 #include "model/JournalMerge.h"
 #include "storage/JournalChanges.h"
 #include "storage/NotebookPackage.h"
 #include "storage/PosixFileSystem.h"
 
-#include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 
 namespace quillery {
@@ -138,9 +138,8 @@ void LiveMerge::adoptReplay() {
         return;
     }
     m_document.adoptReplayedTree(*fresh);
-    // The fresh document now holds the tree that was shown, which nothing refers to any more;
-    // freeing a million nodes is better done where it keeps no window waiting.
-    QThreadPool::globalInstance()->start([old = fresh.release()] { delete old; });
+    // The fresh document now holds the tree that was shown, which nothing refers to any more.
+    releaseInBackground(std::move(fresh));
     finishRound();
 }
 
