@@ -171,7 +171,8 @@ void Document::registerUndo() {
 
 std::optional<UndoObstacle> Document::undoObstacle(std::size_t records) const {
     std::unordered_set<Identifier, IdentifierHash> takenOut;
-    for (auto at = m_undoDiffs.rbegin(); at != m_undoDiffs.rbegin() + records; ++at) {
+    for (auto at = m_undoDiffs.rbegin();
+         at != m_undoDiffs.rbegin() + static_cast<std::ptrdiff_t>(records); ++at) {
         const DocumentDiff& reverse = at->reverse;
         const NotebookNode* target = m_nodeLookup.find(reverse.identifier);
         if (!target)
