@@ -11,7 +11,6 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QTest>
-#include <QUrlQuery>
 
 #include <gtest/gtest.h>
 #include <vector>
@@ -25,9 +24,6 @@ TEST(FeedbackAddress, NamesThePlatformVersionAndBuild) {
     EXPECT_EQ(url.toString(QUrl::FullyEncoded),
               QStringLiteral("mailto:feedback@example.org?subject=Feedback%20on%20Quillery%20Linux"
                              "%202.0%20(100)"));
-    EXPECT_EQ(url.path(), QStringLiteral("feedback@example.org"));
-    EXPECT_EQ(QUrlQuery(url).queryItemValue(QStringLiteral("subject"), QUrl::FullyDecoded),
-              QStringLiteral("Feedback on Quillery Linux 2.0 (100)"));
 }
 
 class AppCommandsTest : public ::testing::Test {

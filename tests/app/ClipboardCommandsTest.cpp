@@ -7,8 +7,6 @@
 #include <QClipboard>
 #include <QMimeData>
 
-#include <set>
-
 namespace quillery {
 namespace {
 
@@ -16,20 +14,12 @@ class ClipboardCommandsTest : public OutlineWindowFixture {
 protected:
     ~ClipboardCommandsTest() override { QGuiApplication::clipboard()->clear(); }
 
-    // Every note of the notebook, the deleted ones too, has an identifier of its own.
-    static bool identifiersAreDistinct(const Document& document) {
-        std::set<std::string> seen;
-        std::vector<const NotebookNode*> stack{document.rootNode().get(),
-                                               document.deletedRootNode().get()};
-        while (!stack.empty()) {
-            const NotebookNode* node = stack.back();
-            stack.pop_back();
-            if (!seen.insert(node->identifier().toString()).second)
-                return false;
-            for (const NodePtr& child : node->children())
-                stack.push_back(child.get());
-        }
-        return true;
+    // The notes under the node and the node itself.
+    static std::size_t treeSize(const NotebookNode& node) {
+        std::size_t size = 1;
+        for (const NodePtr& child : node.children())
+            size += treeSize(*child);
+        return size;
     }
 };
 
@@ -81,7 +71,9 @@ TEST_P(ClipboardKeys, ChangeTheOutlineAsOneStep) {
     const Document& document = window->document();
     EXPECT_EQ(notebookOutline(), test.outline);
     EXPECT_EQ(document.deletedRootNode()->children().size(), test.deleted);
-    EXPECT_TRUE(identifiersAreDistinct(document));
+    // The index holds one note an identifier: a pasted copy that kept one is missing from it.
+    EXPECT_EQ(treeSize(*document.rootNode()) + treeSize(*document.deletedRootNode()),
+              document.nodeCount());
     if (test.selected) {
         EXPECT_EQ(selectedText(), test.selected);
     }

@@ -13,23 +13,14 @@ TimePoint instant(int y, unsigned mo, unsigned d, int h, int mi, int s, int ms =
     return sys_days{year{y} / mo / d} + hours{h} + minutes{mi} + seconds{s} + milliseconds{ms};
 }
 
-TEST(DateStamp, FormatsWholeSecondsInGmt) {
+// Written to the whole second in GMT, read back from any name of the zero offset.
+TEST(DateStamp, WritesWholeSecondsInGmtAndReadsThemBack) {
     EXPECT_EQ(StringFromDate(instant(2017, 3, 4, 9, 15, 2)), "2017-03-04T09:15:02GMT");
-    EXPECT_EQ(StringFromDate(instant(2017, 3, 4, 12, 34, 56, 789)),
-              StringFromDate(instant(2017, 3, 4, 12, 34, 56)));
     EXPECT_EQ(StringFromDate(instant(1969, 12, 31, 23, 59, 59, 500)), "1969-12-31T23:59:59GMT");
-}
-
-TEST(DateStamp, ParsesBackTruncatedToTheSecond) {
-    auto parsed = DateFromString(StringFromDate(instant(2017, 3, 4, 12, 34, 56, 789)));
-    ASSERT_TRUE(parsed);
-    EXPECT_EQ(*parsed, instant(2017, 3, 4, 12, 34, 56));
-}
-
-TEST(DateStamp, AcceptsOtherZeroOffsetZoneNames) {
-    const TimePoint expected = instant(2020, 2, 29, 0, 0, 0);
-    EXPECT_EQ(DateFromString("2020-02-29T00:00:00UTC"), expected);
-    EXPECT_EQ(DateFromString("2020-02-29T00:00:00GMT+00:00"), expected);
+    EXPECT_EQ(DateFromString(StringFromDate(instant(2017, 3, 4, 12, 34, 56, 789))),
+              instant(2017, 3, 4, 12, 34, 56));
+    for (const std::string zone : {"UTC", "GMT+00:00"})
+        EXPECT_EQ(DateFromString("2020-02-29T00:00:00" + zone), instant(2020, 2, 29, 0, 0, 0));
 }
 
 class MalformedStamp : public testing::TestWithParam<const char*> {};
@@ -68,15 +59,13 @@ private:
 
 TEST(DateStamp, DoesNotDependOnTheMachineTimeZone) {
     const TimePoint when = instant(2017, 12, 31, 22, 30, 0);
-    const std::string inGmt = StringFromDate(when);
     TimeZoneSwitch kiritimati("Pacific/Kiritimati"); // UTC+14: already the next year there
     const std::time_t seconds = system_clock::to_time_t(when);
     std::tm local{};
     localtime_r(&seconds, &local);
     ASSERT_EQ(local.tm_year + 1900, 2018) << "the zone switch did not take effect";
-    EXPECT_EQ(StringFromDate(when), inGmt);
     EXPECT_EQ(StringFromDate(when), "2017-12-31T22:30:00GMT");
-    EXPECT_EQ(DateFromString(inGmt), when);
+    EXPECT_EQ(DateFromString("2017-12-31T22:30:00GMT"), when);
 }
 
 } // namespace

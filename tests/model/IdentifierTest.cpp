@@ -53,24 +53,22 @@ TEST(Identifier, TextsThatAlmostLookLikeUuidsStayTexts) {
 }
 
 TEST(Identifier, OrdersAndHashesLikeItsText) {
-    std::vector<std::string> texts = {"root",
-                                      "A0000000-0000-4000-8000-000000000000",
-                                      "9FFFFFFF-FFFF-4FFF-BFFF-FFFFFFFFFFFF",
-                                      "deleted",
-                                      "B",
-                                      "A0000000-0000-4000-8000-000000000001"};
-    std::set<Identifier> identifiers;
-    for (const auto& text : texts)
-        identifiers.insert(Identifier(text));
-    std::set<std::string> sortedTexts(texts.begin(), texts.end());
-    std::vector<std::string> fromIdentifiers;
-    for (const auto& identifier : identifiers)
-        fromIdentifiers.push_back(identifier.toString());
-    EXPECT_EQ(fromIdentifiers, std::vector<std::string>(sortedTexts.begin(), sortedTexts.end()));
-
+    const std::set<std::string> texts = {"root",
+                                         "A0000000-0000-4000-8000-000000000000",
+                                         "9FFFFFFF-FFFF-4FFF-BFFF-FFFFFFFFFFFF",
+                                         "deleted",
+                                         "B",
+                                         "A0000000-0000-4000-8000-000000000001"};
+    std::set<Identifier> ordered;
     std::unordered_set<Identifier, IdentifierHash> hashed;
-    for (const auto& text : texts)
+    for (const auto& text : texts) {
+        ordered.insert(Identifier(text));
         hashed.insert(Identifier(text));
+    }
+    std::vector<std::string> fromIdentifiers;
+    for (const auto& identifier : ordered)
+        fromIdentifiers.push_back(identifier.toString());
+    EXPECT_EQ(fromIdentifiers, std::vector<std::string>(texts.begin(), texts.end()));
     for (const auto& text : texts)
         EXPECT_EQ(hashed.count(Identifier(text)), 1u) << text;
 }
