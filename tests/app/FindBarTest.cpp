@@ -3,7 +3,6 @@
 #include "app/AppFixture.h"
 #include "app/FindResultsModel.h"
 
-#include <QAction>
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>

@@ -1,32 +1,22 @@
+#include "KeyScript.h"
 #include "QtPrinters.h"
-#include "app/AppCommands.h"
 #include "app/AppFixture.h"
 #include "app/DeletedNotesDialog.h"
 
-#include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QMenu>
-#include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
-
-#include <vector>
 
 namespace quillery {
 namespace {
 
 using NoteCommandsTest = OutlineWindowFixture;
 
-void press(QKeyCombination key) {
-    ASSERT_NE(QApplication::focusWidget(), nullptr);
-    QTest::keyClick(QApplication::focusWidget(), key.key(), key.keyboardModifiers());
-}
-
 struct KeyCase {
     const char* name;
-    std::vector<QKeyCombination> keys;
+    const char* keys;
     const char* outline;
     const char* selected; // in the focused column afterwards
     int depth;            // of the focused column
@@ -35,33 +25,28 @@ struct KeyCase {
     friend void PrintTo(const KeyCase& c, std::ostream* out) { *out << c.name; }
 };
 
-constexpr QKeyCombination kUp = Qt::ALT | Qt::SHIFT | Qt::Key_Up;
-constexpr QKeyCombination kDown = Qt::ALT | Qt::SHIFT | Qt::Key_Down;
-constexpr QKeyCombination kOut = Qt::ALT | Qt::SHIFT | Qt::Key_Left;
-constexpr QKeyCombination kIn = Qt::ALT | Qt::SHIFT | Qt::Key_Right;
-constexpr QKeyCombination kUndo = Qt::CTRL | Qt::Key_Z;
-constexpr QKeyCombination kNext = Qt::Key_Down;
-constexpr QKeyCombination kRight = Qt::Key_Right;
-
+// Alt+Shift and an arrow moves the note.
 const KeyCase kKeyCases[] = {
-    {"DownAmongSiblings", {kDown}, "B A(a1 a2) C", "A", 0, "&Undo Reorder Note"},
-    {"UpFromTheTopStays", {kUp}, "A(a1 a2) B C", "A", 0, "&Undo"},
-    {"UpAndDownAgain", {kNext, kNext, kUp, kUp}, "C A(a1 a2) B", "C", 0, "&Undo Reorder Note"},
-    {"DownFromTheBottomStays", {kNext, kNext, kDown}, "A(a1 a2) B C", "C", 0, "&Undo"},
-    {"InUnderTheNoteAbove", {kNext, kIn}, "A(a1 a2 B) C", "B", 1, "&Undo Move Note"},
-    {"InFromTheFirstRowStays", {kIn}, "A(a1 a2) B C", "A", 0, "&Undo"},
-    {"OutAfterItsParent", {kRight, kNext, kOut}, "A(a1) a2 B C", "a2", 0, "&Undo Move Note"},
-    {"OutFromTheTopLevelStays", {kOut}, "A(a1 a2) B C", "A", 0, "&Undo"},
-    {"OutAndInAgain", {kRight, kOut, kIn}, "A(a2 a1) B C", "a1", 1, "&Undo Move Note"},
-    {"UndoneAtOnceSelectingTheNoteBack", {kNext, kIn, kUndo}, "A(a1 a2) B C", "B", 0, "&Undo"},
+    {"DownAmongSiblings", "Alt+Shift+Down", "B A(a1 a2) C", "A", 0, "&Undo Reorder Note"},
+    {"UpFromTheTopStays", "Alt+Shift+Up", "A(a1 a2) B C", "A", 0, "&Undo"},
+    {"UpAndDownAgain", "Down Down Alt+Shift+Up Alt+Shift+Up", "C A(a1 a2) B", "C", 0,
+     "&Undo Reorder Note"},
+    {"DownFromTheBottomStays", "Down Down Alt+Shift+Down", "A(a1 a2) B C", "C", 0, "&Undo"},
+    {"InUnderTheNoteAbove", "Down Alt+Shift+Right", "A(a1 a2 B) C", "B", 1, "&Undo Move Note"},
+    {"InFromTheFirstRowStays", "Alt+Shift+Right", "A(a1 a2) B C", "A", 0, "&Undo"},
+    {"OutAfterItsParent", "Right Down Alt+Shift+Left", "A(a1) a2 B C", "a2", 0, "&Undo Move Note"},
+    {"OutFromTheTopLevelStays", "Alt+Shift+Left", "A(a1 a2) B C", "A", 0, "&Undo"},
+    {"OutAndInAgain", "Right Alt+Shift+Left Alt+Shift+Right", "A(a2 a1) B C", "a1", 1,
+     "&Undo Move Note"},
+    {"UndoneAtOnceSelectingTheNoteBack", "Down Alt+Shift+Right Ctrl+Z", "A(a1 a2) B C", "B", 0,
+     "&Undo"},
 };
 
 class KeyCommands : public NoteCommandsTest, public ::testing::WithParamInterface<KeyCase> {};
 
 TEST_P(KeyCommands, ChangeTheOutlineAndTheSelectionFollows) {
     const KeyCase& test = GetParam();
-    for (const QKeyCombination key : test.keys)
-        press(key);
+    testing::pressKeys(test.keys);
     EXPECT_EQ(outline(*window->document().rootNode()), test.outline);
     NoteColumn* column = NoteColumn::containing(QApplication::focusWidget());
     ASSERT_NE(column, nullptr);
@@ -80,7 +65,7 @@ TEST_F(NoteCommandsTest, DeletedNotesShowTheLatestFirstAndReturnPutsOneBack) {
     document.userDidDelete(*a->children()[1]);
     document.userDidDelete(*document.rootNode()->children()[1]);
 
-    press(Qt::CTRL | Qt::SHIFT | Qt::Key_D);
+    testing::pressKeys("Ctrl+Shift+D");
     auto* dialog = window->findChild<DeletedNotesDialog*>();
     ASSERT_NE(dialog, nullptr);
     QTreeWidget* list = dialog->findChild<QTreeWidget*>();

@@ -1,7 +1,5 @@
 #include "app/AppFixture.h"
 
-#include <QFile>
-
 #include <fstream>
 #include <sstream>
 

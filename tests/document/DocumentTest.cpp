@@ -8,8 +8,6 @@ using testing_support::DocumentFixture;
 TEST(DocumentBasics, ANewDocumentMakesTheClientIdentifierOnceAndSharesIt) {
     InMemoryPreferences preferences;
     Document first(preferences);
-    EXPECT_EQ(first.node(Identifier("root")), first.rootNode());
-    EXPECT_EQ(first.node(Identifier("deleted")), first.deletedRootNode());
     EXPECT_EQ(preferences.string(kClientIdentifierKey), first.clientIdentifier().toString());
     Document second(preferences);
     EXPECT_EQ(second.clientIdentifier(), first.clientIdentifier());

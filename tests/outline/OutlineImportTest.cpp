@@ -65,7 +65,6 @@ INSTANTIATE_TEST_SUITE_P(
         ImportCase{"BlankLinesBetweenNotesDropped", kText, "a\n\n\n  b\n", "a\n  b\n"},
         ImportCase{"FurtherLinesOfABulletedNote", kText, "- a\n  more\n\n  \\- still a\n  - b\n",
                    "a⏎more⏎⏎- still a\n  b\n"},
-        ImportCase{"NoMarkerNoFurtherLines", kText, "a\n  b\n", "a\n  b\n"},
         ImportCase{"MarkerNeedsASpace", kText, "-5 degrees\n1.5 kg\n", "-5 degrees\n1.5 kg\n"},
         ImportCase{"TextNotUtf8", kText, "fine\nbad \xC3\x28\n", "line 2"},
         // Markdown outlines from other outliners.
