@@ -1,11 +1,13 @@
 #include "KeyScript.h"
 #include "app/AppFixture.h"
 #include "columns/NodeListModel.h"
+#include "columns/NoteEditorPanel.h"
 #include "columns/QtPicture.h"
 
 #include <QBuffer>
 #include <QClipboard>
 #include <QMimeData>
+#include <QPlainTextEdit>
 
 namespace quillery {
 namespace {
@@ -21,18 +23,38 @@ protected:
             size += treeSize(*child);
         return size;
     }
+
+    // Offers on the clipboard "<address>" as an address, "[picture] text" as a picture and the
+    // text, anything else as plain text.
+    static void offer(const char* offered) {
+        auto* data = new QMimeData;
+        QString rest = QString::fromUtf8(offered);
+        if (rest.startsWith(QStringLiteral("[picture] "))) {
+            QImage image(8, 6, QImage::Format_RGB32);
+            image.fill(Qt::green);
+            data->setImageData(image);
+            rest.remove(0, 10);
+        }
+        if (rest.startsWith(QLatin1Char('<')))
+            data->setUrls({QUrl(rest.mid(1).chopped(1))});
+        else
+            data->setText(rest);
+        QGuiApplication::clipboard()->setMimeData(data);
+    }
 };
 
-// Keys typed in the window (A selected in the first column), with plain text on the clipboard
-// first where given.
+// Keys typed in the window (A selected in the first column), with something offered on the
+// clipboard first where given; Paste is greyed out while the clipboard holds nothing.
 struct ClipboardCase {
     const char* name;
-    const char* text;
+    const char* offered;
     const char* keys;
     const char* outline;
-    std::size_t deleted;  // notes among the deleted notes afterwards
-    const char* selected; // in the focused column afterwards; null: not checked
-    const char* undo;     // the Edit menu's Undo command afterwards
+    std::size_t deleted; // notes among the deleted notes afterwards
+    // In the focused column afterwards ("[picture]" for a picture note), or "editing" when the
+    // new note opens in the editor; null: not checked.
+    const char* selected;
+    const char* undo; // the Edit menu's Undo command afterwards, unnamed while an editor is open
 
     friend void PrintTo(const ClipboardCase& c, std::ostream* out) { *out << c.name; }
 };
@@ -58,6 +80,17 @@ const ClipboardCase kClipboardCases[] = {
     {"OneLineIsOneNoteAsItIs", "  - milk  \n", "Ctrl+V", "A(a1 a2) - milk B C", 0, "- milk",
      "&Undo Paste"},
     {"BlankTextPastesNothing", " \n\t\n", "Ctrl+V", "A(a1 a2) B C", 0, "A", "&Undo"},
+    {"AnAddressOffTheWebIsText", "file:///etc/passwd", "Ctrl+V", "A(a1 a2) file:///etc/passwd B C",
+     0, "file:///etc/passwd", "&Undo Paste"},
+    {"TextAroundAnAddressIsText", "see https://e.org", "Ctrl+V", "A(a1 a2) see https://e.org B C",
+     0, "see https://e.org", "&Undo Paste"},
+    {"AnAddressIsANoteToEdit", "<https://e.org/p>", "Ctrl+V", "A(a1 a2) https://e.org/p\n\n B C", 0,
+     "editing", "&Undo"},
+    {"AnAddressCopiedAsTextToo", "  https://e.org/a?b=c\n", "Ctrl+V",
+     "A(a1 a2) https://e.org/a?b=c\n\n B C", 0, "editing", "&Undo"},
+    {"APictureBeforeText", "[picture] words", "Ctrl+V", "A(a1 a2)  B C", 0, "[picture]",
+     "&Undo Paste"},
+    {"NothingToPaste", nullptr, "Ctrl+V", "A(a1 a2) B C", 0, "A", "&Undo"},
 };
 
 class ClipboardKeys : public ClipboardCommandsTest,
@@ -65,8 +98,9 @@ class ClipboardKeys : public ClipboardCommandsTest,
 
 TEST_P(ClipboardKeys, ChangeTheOutlineAsOneStep) {
     const ClipboardCase& test = GetParam();
-    if (test.text)
-        QGuiApplication::clipboard()->setText(QString::fromUtf8(test.text));
+    if (test.offered)
+        offer(test.offered);
+    EXPECT_EQ(action(*window, "actionPaste").isEnabled(), test.offered != nullptr);
     testing::pressKeys(test.keys);
     const Document& document = window->document();
     EXPECT_EQ(notebookOutline(), test.outline);
@@ -74,8 +108,16 @@ TEST_P(ClipboardKeys, ChangeTheOutlineAsOneStep) {
     // The index holds one note an identifier: a pasted copy that kept one is missing from it.
     EXPECT_EQ(treeSize(*document.rootNode()) + treeSize(*document.deletedRootNode()),
               document.nodeCount());
-    if (test.selected) {
-        EXPECT_EQ(selectedText(), test.selected);
+    const std::string selected = test.selected ? test.selected : "";
+    if (selected == "editing") {
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return qobject_cast<NoteEditorPanel*>(window->columnRow()->panel()); }));
+    } else if (selected == "[picture]") {
+        const NoteColumn* column = NoteColumn::containing(QApplication::focusWidget());
+        ASSERT_TRUE(column && column->selectedNode());
+        EXPECT_TRUE(column->selectedNode()->imageIdentifier());
+    } else if (test.selected) {
+        EXPECT_EQ(selectedText(), selected);
     }
     EXPECT_EQ(action(*window, "actionUndo").text(), QString::fromLatin1(test.undo));
 }
@@ -89,6 +131,20 @@ TEST_F(ClipboardCommandsTest, CopyOffersTheOutlineAsTextAndAsAPage) {
     ASSERT_NE(data, nullptr);
     EXPECT_EQ(data->text(), QStringLiteral("- A\n  - a1\n  - a2\n"));
     EXPECT_TRUE(data->html().contains(QStringLiteral("<li>A\n<ul>\n<li>a1\n</li>")));
+}
+
+// Ctrl+V in the note editor pastes the text there, though the clipboard holds a picture a column
+// would take.
+TEST_F(ClipboardCommandsTest, CtrlVInTheNoteEditorPastesTextThereAndAddsNoNote) {
+    offer("[picture] words");
+    action(*window, "actionEditNote").trigger();
+    ASSERT_TRUE(QTest::qWaitFor(
+        [] { return qobject_cast<QPlainTextEdit*>(QApplication::focusWidget()) != nullptr; }));
+    auto* editor = qobject_cast<QPlainTextEdit*>(QApplication::focusWidget());
+    EXPECT_FALSE(action(*window, "actionPaste").isEnabled());
+    QTest::keySequence(editor, QKeySequence::Paste);
+    EXPECT_EQ(editor->toPlainText(), QStringLiteral("Awords"));
+    EXPECT_EQ(notebookOutline(), "A(a1 a2) B C");
 }
 
 // A picture note with a child, copied from one notebook's window into another's by the

@@ -3,14 +3,10 @@
 #include "app/AppCommands.h"
 #include "app/AppFixture.h"
 #include "columns/ExecDialog.h"
-#include "columns/NoteEditorPanel.h"
 
-#include <QClipboard>
 #include <QDialog>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMimeData>
-#include <QPlainTextEdit>
 #include <QTimer>
 
 #include <map>
@@ -147,98 +143,6 @@ TEST_F(DocumentWindowTest, NoTwoCommandsShareAShortcut) {
                                   << each->objectName().toStdString();
         }
     }
-}
-
-// Edit → Paste (Ctrl+V) in a column: what the clipboard holds is added after the selected note (the
-// last one here), a picture or an address as a drop there would add it; an empty clipboard greys
-// the command out.
-struct Clipboard {
-    const char* name;
-    void (*fill)(QMimeData& data);
-    const char* added; // the new last note's text, "[picture]", or null for nothing
-    bool edited;       // the new note opens in the editor
-
-    friend void PrintTo(const Clipboard& c, std::ostream* out) { *out << c.name; }
-};
-
-void setText(QMimeData& data, const char* text) {
-    data.setText(QString::fromUtf8(text));
-}
-
-const Clipboard kClipboards[] = {
-    {"APictureBeforeText",
-     [](QMimeData& data) {
-         QImage image(8, 6, QImage::Format_RGB32);
-         image.fill(Qt::green);
-         data.setImageData(image);
-         setText(data, "words");
-     },
-     "[picture]", false},
-    {"AnAddress", [](QMimeData& data) { data.setUrls({QUrl(QStringLiteral("https://e.org/p"))}); },
-     "https://e.org/p\n\n", true},
-    {"AnAddressCopiedAsText", [](QMimeData& data) { setText(data, "  https://e.org/a?b=c\n"); },
-     "https://e.org/a?b=c\n\n", true},
-    {"TextAroundAnAddress", [](QMimeData& data) { setText(data, "see https://e.org"); },
-     "see https://e.org", false},
-    {"AnAddressOffTheWeb", [](QMimeData& data) { setText(data, "file:///etc/passwd"); },
-     "file:///etc/passwd", false},
-    {"Nothing", [](QMimeData&) {}, nullptr, false},
-};
-
-class PasteTest : public AppFixture, public ::testing::WithParamInterface<Clipboard> {
-protected:
-    ~PasteTest() override { QGuiApplication::clipboard()->clear(); }
-};
-
-TEST_P(PasteTest, AddsWhatTheClipboardHoldsAfterTheSelectedNoteAsOneStep) {
-    const Clipboard& test = GetParam();
-    DocumentWindow& window = *controller.newDocument();
-    const NodePtr& root = window.document().rootNode();
-    addNote(window, "first");
-    focusFirstColumn(window);
-    auto* data = new QMimeData;
-    test.fill(*data);
-    QGuiApplication::clipboard()->setMimeData(data);
-    EXPECT_EQ(action(window, "actionPaste").isEnabled(), test.added != nullptr);
-
-    QTest::keySequence(QApplication::focusWidget(), QKeySequence::Paste);
-
-    std::vector<std::string> expected{"first"};
-    if (test.added)
-        expected.emplace_back(test.added);
-    std::vector<std::string> shown;
-    for (const NodePtr& child : root->children())
-        shown.push_back(child->imageIdentifier() ? "[picture]" : child->text());
-    EXPECT_EQ(shown, expected);
-    if (test.edited) {
-        EXPECT_TRUE(QTest::qWaitFor([&] {
-            return qobject_cast<NoteEditorPanel*>(window.columnRow()->panel()) != nullptr;
-        }));
-    } else if (test.added) {
-        action(window, "actionUndo").trigger();
-        EXPECT_EQ(texts(*root), std::vector<std::string>{"first"});
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Contents, PasteTest, ::testing::ValuesIn(kClipboards),
-                         [](const auto& testCase) { return std::string(testCase.param.name); });
-
-TEST_F(DocumentWindowTest, CtrlVInTheNoteEditorPastesTextThereAndAddsNoNote) {
-    DocumentWindow& window = *controller.newDocument();
-    addNote(window, "first");
-    focusFirstColumn(window);
-    auto* data = new QMimeData;
-    kClipboards[0].fill(*data); // a picture the column would take, and text
-    QGuiApplication::clipboard()->setMimeData(data);
-    action(window, "actionEditNote").trigger();
-    ASSERT_TRUE(QTest::qWaitFor(
-        [] { return qobject_cast<QPlainTextEdit*>(QApplication::focusWidget()) != nullptr; }));
-    auto* editor = qobject_cast<QPlainTextEdit*>(QApplication::focusWidget());
-    EXPECT_FALSE(action(window, "actionPaste").isEnabled());
-    QTest::keySequence(editor, QKeySequence::Paste);
-    EXPECT_EQ(editor->toPlainText(), QStringLiteral("firstwords"));
-    EXPECT_EQ(window.document().rootNode()->children().size(), 1u);
-    QGuiApplication::clipboard()->clear();
 }
 
 // File > Open Recent: the notebooks opened lately, newest first, and Clear Menu.
