@@ -4,9 +4,6 @@
 #include "QtPrinters.h"
 #include "app/AboutDialog.h"
 #include "app/AppInfo.h"
-#include "columns/NoteColumn.h"
-#include "document/Document.h"
-#include "document/InMemoryPreferences.h"
 
 #include <QApplication>
 #include <QPushButton>
@@ -28,13 +25,9 @@ TEST(FeedbackAddress, NamesThePlatformVersionAndBuild) {
 
 class AppCommandsTest : public ::testing::Test {
 protected:
-    AppCommandsTest() {
-        testing::openedUrls().clear();
-        QObject::connect(&commands, &AppCommands::newNotebookRequested, [this] { ++newNotebooks; });
-    }
+    AppCommandsTest() { testing::openedUrls().clear(); }
 
     AppCommands commands;
-    int newNotebooks = 0;
 };
 
 // Each command opens its address; where no program takes it, the user hears what to do instead.
@@ -78,29 +71,6 @@ TEST_F(AppCommandsTest, HelpFeedbackAndTheAboutLinksOpenTheirAddressesOrSayWhyNo
     EXPECT_TRUE(failures[3].contains(AppInfo::siteUrl().toDisplayString()))
         << failures[3].toStdString();
     about->close();
-}
-
-TEST_F(AppCommandsTest, AddNoteGoesToTheFocusedColumnElseToANewNotebook) {
-    InMemoryPreferences preferences;
-    Document document(preferences);
-    NoteColumn column(&document);
-    column.setParentNote(document.rootNode());
-    column.show();
-    column.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&column));
-    column.takeFocus();
-    commands.addNote();
-    EXPECT_NE(column.temporaryNode(), nullptr);
-    EXPECT_EQ(newNotebooks, 0);
-
-    QWidget elsewhere;
-    elsewhere.setFocusPolicy(Qt::StrongFocus);
-    elsewhere.show();
-    elsewhere.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
-    elsewhere.setFocus();
-    commands.addNote();
-    EXPECT_EQ(newNotebooks, 1);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "app/AppCommands.h"
 #include "app/AppFixture.h"
 #include "columns/ExecDialog.h"
+#include "columns/NoteEditorPanel.h"
 
 #include <QDialog>
 #include <QMenu>
@@ -112,17 +113,27 @@ TEST_F(DocumentWindowTest, HistoryAndNoteCommandsWaitWhileAPanelIsOpen) {
     }
 }
 
+// Add Note, from the app's menu or the window's, goes to the column with the keyboard; with no
+// column to take it, to a new notebook.
 TEST_F(DocumentWindowTest, AddNoteGoesToTheFocusedColumnElseToANewNotebook) {
-    DocumentWindow& window = *controller.newDocument();
-    focusFirstColumn(window);
-    action(window, "actionAddNote").trigger();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window.columnRow()->panel() != nullptr; }));
-    EXPECT_NE(window.columnRow()->column(0)->temporaryNode(), nullptr);
-
     AppCommands app;
     int newNotebooks = 0;
     QObject::connect(&app, &AppCommands::newNotebookRequested, [&] { ++newNotebooks; });
     controller.setAppCommands(&app);
+    DocumentWindow& window = *controller.newDocument();
+    NoteColumn& column = *window.columnRow()->column(0);
+    focusFirstColumn(window);
+    app.addNote();
+    EXPECT_NE(column.temporaryNode(), nullptr);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.columnRow()->panel() != nullptr; }));
+    qobject_cast<NoteEditorPanel*>(window.columnRow()->panel())->cancel();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.columnRow()->panel() == nullptr; }));
+    focusFirstColumn(window);
+    action(window, "actionAddNote").trigger();
+    EXPECT_NE(column.temporaryNode(), nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.columnRow()->panel() != nullptr; }));
+    EXPECT_EQ(newNotebooks, 0);
+
     // Never shown, so no column has been loaded to take the note.
     DocumentWindow hidden(controller, std::make_unique<Document>(preferences, &codec),
                           QStringLiteral("Untitled"));
