@@ -78,17 +78,15 @@ TEST_P(FailedOpenTest, ShowsTheReasonAndOpensNothing) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Packages, FailedOpenTest,
-    ::testing::Values(FailedOpen{"Missing", "Broken.quillery", "", "", ""},
-                      FailedOpen{"PlainFile", "Broken.quillery", ".", "notes", ""},
-                      FailedOpen{"JournalNotJson", "Broken.quillery", "A.journal", "{ not json",
-                                 ""},
-                      FailedOpen{"JournalWithoutDiffs", "Broken.quillery", "A.journal",
-                                 R"({"schema": "1.0", "diffs": 3})", ""},
-                      FailedOpen{"FolderOfOtherFiles", "Broken", "beach.txt", "sand",
-                                 "is not a Quillery notebook"}),
-    [](const auto& testCase) { return std::string(testCase.param.name); });
+INSTANTIATE_TEST_SUITE_P(Packages, FailedOpenTest,
+                         ::testing::Values(FailedOpen{"Missing", "Broken.quillery", "", "", ""},
+                                           FailedOpen{"PlainFile", "Broken.quillery", ".", "notes",
+                                                      ""},
+                                           FailedOpen{"JournalNotJson", "Broken.quillery",
+                                                      "A.journal", "{ not json", ""},
+                                           FailedOpen{"FolderOfOtherFiles", "Broken", "beach.txt",
+                                                      "sand", "is not a Quillery notebook"}),
+                         [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST_F(DocumentControllerTest, ClosingAllClosesNoneWhenTheUserKeepsOne) {
     controller.openDocument(makePackage("Kept.quillery", {"a"}));

@@ -25,8 +25,9 @@ struct KeyCase {
     friend void PrintTo(const KeyCase& c, std::ostream* out) { *out << c.name; }
 };
 
-// Alt+Shift and an arrow moves the note.
+// Alt+Shift and an arrow moves the note; an arrow alone moves the keyboard.
 const KeyCase kKeyCases[] = {
+    {"RightAndLeftMoveTheKeyboard", "Right Left Right", "A(a1 a2) B C", "a1", 1, "&Undo"},
     {"DownAmongSiblings", "Alt+Shift+Down", "B A(a1 a2) C", "A", 0, "&Undo Reorder Note"},
     {"UpFromTheTopStays", "Alt+Shift+Up", "A(a1 a2) B C", "A", 0, "&Undo"},
     {"UpAndDownAgain", "Down Down Alt+Shift+Up Alt+Shift+Up", "C A(a1 a2) B", "C", 0,

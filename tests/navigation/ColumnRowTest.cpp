@@ -45,16 +45,6 @@ TEST_F(ColumnRowTest, ColumnsOpenAlongTheSelectionTheLastTakingTheRoomLeftAndClo
     EXPECT_TRUE(QTest::qWaitFor([&] { return closed.isNull(); }));
 }
 
-TEST_F(ColumnRowTest, LeftAndRightMoveTheFocusToTheNeighbouringColumn) {
-    openFourColumns();
-    row.focusColumn(1);
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return hasFocus(2); }));
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Left);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return hasFocus(1); }));
-    EXPECT_EQ(row.activeColumn(), row.column(1));
-}
-
 TEST_F(ColumnRowTest, TheEditorStandsInForTheColumnsRightOfItsColumnUntilItCloses) {
     openFourColumns();
     QPointer<NoteColumn> fourth = row.column(3);
