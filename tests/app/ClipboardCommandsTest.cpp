@@ -1,10 +1,10 @@
 #include "KeyScript.h"
 #include "app/AppFixture.h"
+#include "columns/EncodedPicture.h"
 #include "columns/NodeListModel.h"
 #include "columns/NoteEditorPanel.h"
 #include "columns/QtPicture.h"
 
-#include <QBuffer>
 #include <QClipboard>
 #include <QMimeData>
 #include <QPlainTextEdit>
@@ -152,10 +152,7 @@ TEST_F(ClipboardCommandsTest, CtrlVInTheNoteEditorPastesTextThereAndAddsNoNote) 
 TEST_F(ClipboardCommandsTest, NotesGoToAnotherWindowWithTheirPictures) {
     QImage image(8, 6, QImage::Format_RGB32);
     image.fill(Qt::green);
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "png");
+    const QByteArray png = testing::encoded(image, "png");
     Document& source = window->document();
     const Identifier key =
         source.addImage(std::make_shared<QtPicture>(image), {png.begin(), png.end()}, "png");
