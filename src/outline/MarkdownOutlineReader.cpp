@@ -185,10 +185,18 @@ private:
     }
 
     std::size_t lineOf(std::size_t offset) const {
-        return static_cast<std::size_t>(
-                   std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), offset) -
-                   m_lineStarts.begin()) -
-               1;
+        // Offsets are asked for mostly in order, so the line found last, or the one after it,
+        // is nearly always the answer; a search would cost a megabyte of one-line items dearly.
+        for (std::size_t near = m_lastLine; near < m_lastLine + 2 && near < m_lineStarts.size();
+             ++near)
+            if (m_lineStarts[near] <= offset &&
+                (near + 1 == m_lineStarts.size() || offset < m_lineStarts[near + 1]))
+                return m_lastLine = near;
+        m_lastLine = static_cast<std::size_t>(
+                         std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), offset) -
+                         m_lineStarts.begin()) -
+                     1;
+        return m_lastLine;
     }
 
     std::string_view line(std::size_t index) const {
@@ -297,6 +305,7 @@ private:
 
     std::string_view m_source;
     std::vector<std::size_t> m_lineStarts;
+    mutable std::size_t m_lastLine = 0; // where lineOf() found the last offset
     std::vector<PendingNote> m_notes;
     std::vector<Frame> m_frames;
     std::vector<std::size_t> m_noteStack;
