@@ -31,7 +31,8 @@ constexpr std::string_view kUsage =
     "                                        the notes that hold every word of the query\n"
     "  style                                 style a note's text (standard input) as JSON\n"
     "\n"
-    "Run \"quillery-cli COMMAND --help\" for more about one command.\n"
+    "Run \"quillery-cli COMMAND --help\" for more about one command, \"quillery-cli --version\"\n"
+    "for the version.\n"
     "Exit status: 0 on success, 1 when a package or file cannot be read or written, 2 on bad\n"
     "usage.\n"
     "Results go to standard output; messages and diagnostics to standard error.\n";
@@ -48,6 +49,10 @@ int runCli(const std::vector<std::string>& arguments, std::istream& in, std::ost
     std::vector<std::string> rest(arguments.begin() + 1, arguments.end());
     if (command == "-h" || command == "--help" || command == "help") {
         out << kUsage;
+        return kSuccess;
+    }
+    if (command == "--version" || command == "version") {
+        out << "quillery-cli " << QUILLERY_VERSION << '\n';
         return kSuccess;
     }
     if (command == "new")
