@@ -1,22 +1,17 @@
 #!/usr/bin/python3
 """Reads and drives the app through its accessibility interface (AT-SPI on the session bus), as a
-screen reader does, for the end-to-end run where no input events can be sent.
+screen reader does, where no input events can be sent. An accessible is found by a path of names,
+each looked for depth first below what the previous one found: "Top notes" "Add Note" is the
+first column's Add Note button, File Quit the Quit item of the File menu.
 
-An accessible is found by a path of names: each name is looked for, depth first, among the
-descendants of what the previous name found, starting from the app's windows. "Top notes" "Add
-Note" is the Add Note button of the first column; File Quit is the Quit item of the File menu.
-
-  accessible.py --pid PID windows
-      Prints the names of the app's windows, one a line; exits 1 while the app is not on the bus.
-  accessible.py --pid PID notes NAME...
-      Prints the names of the notes listed in the column found by the path, one a line.
-  accessible.py --pid PID press NAME...
-      Does the first action of what the path finds (presses a button, triggers a menu item).
-  accessible.py --pid PID set-text --text TEXT NAME...
-      Replaces the text of the editable text the path finds.
+  accessible.py --pid PID windows                     the app's window names; exits 1 while the
+                                                      app is not on the bus
+  accessible.py --pid PID notes NAME...               the notes the column found lists
+  accessible.py --pid PID press NAME...               does the first action of what is found
+  accessible.py --pid PID set-text --text TEXT NAME...  replaces the editable text found
 
 Exits 1, saying what was missing, when the path finds nothing. Needs Debian's python3-gi and
-gir1.2-atspi-2.0, so it runs under /usr/bin/python3 whichever python3 comes first on the PATH.
+gir1.2-atspi-2.0, hence /usr/bin/python3 whichever python3 comes first on the PATH.
 """
 
 import argparse
@@ -26,9 +21,6 @@ import gi
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402 (the version must be chosen first)
-
-# A column's list, whose children are its notes, is the first list below the column.
-LIST_ROLE = Atspi.Role.LIST
 
 
 def app_of(pid):
@@ -72,7 +64,8 @@ def follow(app, names):
 
 
 def notes(column):
-    listed = find(column, lambda each: each.get_role() == LIST_ROLE)
+    # A column's notes are the children of the first list below it.
+    listed = find(column, lambda each: each.get_role() == Atspi.Role.LIST)
     if listed is None:
         raise SystemExit("accessible.py: %r lists no notes" % column.get_name())
     return [child.get_name() for child in children(listed)]
@@ -93,8 +86,8 @@ def set_text(accessible, text):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
-    parser.add_argument("--pid", type=int, required=True, help="the app's process")
+    parser = argparse.ArgumentParser(description="Drive the app through AT-SPI.")
+    parser.add_argument("--pid", type=int, required=True)
     commands = parser.add_subparsers(dest="command", required=True)
     commands.add_parser("windows")
     for name in ("notes", "press"):

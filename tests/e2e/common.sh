@@ -1,9 +1,8 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2154,SC2034 # here comes from, and the identifiers go to, the sourcing run
-# Shell shared by the end-to-end runs (tests/e2e/run under X, tests/e2e/wayland under Wayland):
-# sourced, never run. The sourcing script sets `here` (its directory) first; the build directory
-# is its first argument, and E2E_OUT, E2E_TIMEOUT and E2E_NO_BUILD are read as tests/e2e/run
-# describes. Everything the runs make lives in a temporary directory removed at exit.
+# Sourced by the end-to-end runs after they set `here` (their directory); the build directory is
+# their first argument, the environment as tests/e2e/run describes. Everything the runs make lives
+# in a temporary directory removed at exit.
 
 source_dir=$(cd "$here/../.." && pwd)
 build=${1:-$source_dir/build-e2e}
@@ -17,9 +16,7 @@ app_pid=
 # Display servers and helpers the run started, stopped after the app, last one first.
 server_pids=()
 
-log() {
-    echo "-- $*"
-}
+log() { echo "-- $*"; }
 
 # Also from inside $(...), which is why it writes to standard error; callers there add "|| exit 1".
 fail() {
@@ -58,8 +55,7 @@ cleanup() {
 trap cleanup EXIT
 trap 'exit 130' INT TERM
 
-# Waits until the command succeeds, polling, for at most E2E_TIMEOUT seconds.
-wait_until() {
+wait_until() { # WHAT COMMAND...: polls for at most E2E_TIMEOUT seconds
     local what=$1
     shift
     local deadline=$((SECONDS + timeout))
@@ -92,20 +88,14 @@ wait_for_quit() { # HOW
     [ "$status" -eq 0 ] || fail "the app exited with status $status after $1"
 }
 
-# --- Build and install -----------------------------------------------------------------------
-
 # Sets app and cli to the programs installed from the build into a temporary prefix.
 install_programs() {
-    if [ "${E2E_NO_BUILD:-0}" = 1 ]; then
-        log "installing $build as it is"
-    elif [ ! -f "$build/CMakeCache.txt" ]; then
-        log "configuring $build"
-        cmake -S "$source_dir" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-            -DQUILLERY_BUILD_TESTS=OFF -DQUILLERY_BUILD_BENCHMARKS=OFF >"$work/build.log" 2>&1 ||
-            { cat "$work/build.log"; fail "could not configure $build"; }
-    fi
     if [ "${E2E_NO_BUILD:-0}" != 1 ]; then
-        log "building quillery and quillery-cli in $build"
+        if [ ! -f "$build/CMakeCache.txt" ]; then
+            cmake -S "$source_dir" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+                -DQUILLERY_BUILD_TESTS=OFF -DQUILLERY_BUILD_BENCHMARKS=OFF >"$work/build.log" 2>&1 ||
+                { cat "$work/build.log"; fail "could not configure $build"; }
+        fi
         cmake --build "$build" --target quillery quillery-cli >"$work/build.log" 2>&1 ||
             { tail -n 40 "$work/build.log"; fail "could not build the programs in $build"; }
     fi
@@ -121,8 +111,6 @@ install_programs() {
     rm -f "$out"/[0-9][0-9]-*.png "$out"/*.log "$out/final.json"
 }
 
-# --- A private environment -------------------------------------------------------------------
-
 private_environment() {
     export HOME=$work/home
     export XDG_CONFIG_HOME=$work/config
@@ -137,8 +125,6 @@ private_environment() {
         QT_QPA_PLATFORMTHEME QT_SCALE_FACTOR QT_SCREEN_SCALE_FACTORS QT_AUTO_SCREEN_SCALE_FACTOR \
         QT_FONT_DPI
 }
-
-# --- The notebook ----------------------------------------------------------------------------
 
 # The notebook both runs start from, made with the installed quillery-cli: sets package, the
 # identifiers groceries, projects and reading, and initial_tree.
@@ -172,7 +158,6 @@ make_notebook() {
     add_note Kitchen "$projects" >/dev/null
     [ "$(outline)" = "$initial_tree" ] || fail "quillery-cli made an unexpected notebook:
 $(outline)"
-    log "made $package with quillery-cli"
 }
 
 outline() { # the saved notebook as an indented outline
@@ -181,18 +166,13 @@ outline() { # the saved notebook as an indented outline
 
 # Waits until the package on disk (the app saves a moment after each change) holds the tree.
 wait_for_tree() { # DESCRIPTION TREE
-    local deadline=$((SECONDS + timeout))
-    local now
-    while true; do
-        now=$(outline || true)
-        [ "$now" != "$2" ] || return 0
-        if [ "$SECONDS" -ge "$deadline" ]; then
-            fail "$1: the saved notebook is not as expected after ${timeout}s.
+    local deadline=$((SECONDS + timeout)) now
+    until now=$(outline || true) && [ "$now" = "$2" ]; do
+        [ "$SECONDS" -lt "$deadline" ] || fail "$1: the saved notebook is not as expected after ${timeout}s.
 --- expected
 $2
 --- saved
 $now"
-        fi
         check_app_running "$1"
         sleep 0.3
     done
@@ -212,4 +192,37 @@ $1
 $saved"
     deleted=$(python3 "$here/tree.py" outline --deleted <"$out/final.json")
     [ -z "$deleted" ] || fail "notes were deleted: $deleted"
+}
+
+check_placed() { # TEXT PARENT INDEX [IDENTIFIER]: where the one note reading TEXT was saved
+    local found identifier parent index
+    found=$(python3 "$here/tree.py" locate "$1" <"$out/final.json") ||
+        fail "'$1' is not in the saved notebook once"
+    read -r identifier parent index <<<"$found"
+    [ "$parent $index" = "$2 $3" ] || fail "'$1' was saved as child $index of $parent, not $3 of $2"
+    [ -z "${4:-}" ] || [ "$identifier" = "$4" ] || fail "'$1' came back as another note ($identifier)"
+}
+
+# A second start hands the notebook to the running app and ends; the caller checks the windows.
+start_again() {
+    local status=0
+    timeout "$timeout" "$app" "$package" >>"$work/app.log" 2>&1 || status=$?
+    [ "$status" -eq 0 ] || fail "a second start of the app exited with status $status"
+}
+
+# Runs the command and waits until the journal is written anew, whether or not the app saved on
+# its own before.
+save_with() { # WHAT COMMAND...
+    local journal before
+    journal=$(find "$package" -maxdepth 1 -name '*.journal' | head -n 1)
+    [ -n "$journal" ] || fail "the package has no journal"
+    before=$(stat -c '%i %Y' "$journal")
+    "${@:2}" || fail "$1 failed"
+    wait_until "$1 to write the journal" journal_changed "$journal" "$before"
+}
+journal_changed() { [ -f "$1" ] && [ "$(stat -c '%i %Y' "$1")" != "$2" ]; }
+
+next_shot() { # NAME: sets shot to the next numbered screenshot file in the output directory
+    shot_count=$((${shot_count:-0} + 1))
+    shot=$(printf '%s/%02d-%s.png' "$out" "$shot_count" "$1")
 }
