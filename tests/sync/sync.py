@@ -8,6 +8,7 @@ Usage: sync.py QUILLERY_CLI [QUILLERY]"""
 import glob
 import json
 import os
+import pathlib
 import shutil
 import socket
 import subprocess
@@ -24,6 +25,7 @@ APP = os.path.abspath(sys.argv[2]) if len(sys.argv) > 2 and os.path.exists(sys.a
 WAIT_SECONDS = 60
 # From a journal's arrival in the package to its note on screen.
 LIVE_SECONDS = 2.0
+ROOT = tempfile.mkdtemp(prefix="quillery-sync-")
 
 
 def free_port():
@@ -74,34 +76,37 @@ class Installation:
 
 
 def texts(tree_json):
-    found = []
-
     def walk(node):
-        found.append(node["text"])
+        yield node["text"]
         for child in node.get("children", []):
-            walk(child)
+            yield from walk(child)
 
-    walk(json.loads(tree_json)["root"])
-    return found
+    return list(walk(json.loads(tree_json)["root"]))
 
 
-def wait_for(condition, what, sync=None):
+def wait_for(condition, what, sync=None, poll=0.5):
     deadline = time.time() + WAIT_SECONDS
     while time.time() < deadline:
         if sync:
             sync()
         if condition():
             return
-        time.sleep(0.5)
+        time.sleep(poll)
     raise SystemExit(f"timed out waiting for {what}")
+
+
+def pair(folders):
+    """Installations A and B sharing the notebook in their folders, made by A."""
+    a = Installation(ROOT, "A", os.path.join(folders["a"], "Notes.quillery"))
+    b = Installation(ROOT, "B", os.path.join(folders["b"], "Notes.quillery"))
+    a.run(["new", a.notebook])
+    return a, b
 
 
 def converge(a, b, expected, sync=None):
     def same():
-        ta, tb = a.export(), b.export()
-        if not ta or ta != tb:
-            return False
-        return sorted(t for t in texts(ta) if t) == sorted(expected)
+        ta = a.export()
+        return ta and ta == b.export() and sorted(filter(None, texts(ta))) == sorted(expected)
 
     wait_for(same, "both sides to hold every note", sync)
 
@@ -139,7 +144,7 @@ def share(a, b, sync=None):
 class WatchingApp:
     """One installation's app, on an X display of its own, with the notebook open."""
 
-    def __init__(self, side, root):
+    def __init__(self, side):
         self.xvfb = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1024x700x24",
                                       "-nolisten", "tcp"], stdout=subprocess.PIPE,
                                      stderr=subprocess.DEVNULL, text=True)
@@ -149,7 +154,7 @@ class WatchingApp:
             self.env.pop(key, None)
         for key, sub in (("XDG_DATA_HOME", "data"), ("XDG_STATE_HOME", "state")):
             self.env[key] = os.path.join(side.home, sub)
-        self.log = open(os.path.join(root, f"app-{side.name}.log"), "w")
+        self.log = open(os.path.join(ROOT, f"app-{side.name}.log"), "w")
         self.app = subprocess.Popen([APP, side.notebook], env=self.env, stdout=self.log,
                                     stderr=subprocess.STDOUT)
         self.window = None
@@ -182,30 +187,22 @@ class WatchingApp:
             raise SystemExit(f"the app exited with status {status} after Ctrl+Q")
 
 
-def shows_live(a, b, root, expected):
+def shows_live(a, b, expected):
     """B has the notebook open in the app; a note A adds above the selected one must push the
     selection down a row on B's screen within LIVE_SECONDS of the journal reaching B."""
-    app = WatchingApp(b, root)
+    app = WatchingApp(b)
     try:
         wait_for(lambda: app.selected_row() is not None, "the first note selected in the app")
         top = app.selected_row()
         text = "live from A"
         a.run(["add", a.notebook, "--text", text, "--at", "0"])
         expected.append(text)
-        journals = os.path.join(b.notebook, "*.journal")
 
         def arrived():
-            for journal in glob.glob(journals):
-                with open(journal, "rb") as file:
-                    if text.encode() in file.read():
-                        return True
-            return False
+            return any(text.encode() in pathlib.Path(journal).read_bytes()
+                       for journal in glob.glob(os.path.join(b.notebook, "*.journal")))
 
-        deadline = time.time() + WAIT_SECONDS
-        while not arrived():
-            if time.time() > deadline:
-                raise SystemExit("A's note never reached B's package")
-            time.sleep(0.05)
+        wait_for(arrived, "A's note to reach B's package", poll=0.05)
         arrival = time.monotonic()
         while (app.selected_row() or top) <= top:
             if time.monotonic() - arrival > LIVE_SECONDS:
@@ -245,16 +242,16 @@ def syncthing_config(home, listen_port, gui_port, other_id, other_port, folder):
     tree.write(path)
 
 
-def with_syncthing(root):
+def with_syncthing():
     homes, ids, listen = {}, {}, {}
     for name in ("a", "b"):
-        homes[name] = os.path.join(root, "syncthing-" + name)
+        homes[name] = os.path.join(ROOT, "syncthing-" + name)
         subprocess.run(["syncthing", "generate", "--home=" + homes[name], "--no-default-folder"],
                        check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         ids[name] = subprocess.run(["syncthing", "serve", "--home=" + homes[name], "--device-id"],
                                    check=True, capture_output=True, text=True).stdout.strip()
         listen[name] = free_port()
-    folders = {name: os.path.join(root, "sync-" + name) for name in ("a", "b")}
+    folders = {name: os.path.join(ROOT, "sync-" + name) for name in ("a", "b")}
     for name, other in (("a", "b"), ("b", "a")):
         os.makedirs(folders[name])
         syncthing_config(homes[name], listen[name], free_port(), ids[other], listen[other],
@@ -262,18 +259,16 @@ def with_syncthing(root):
     daemons = []
     try:
         for name in ("a", "b"):
-            log = open(os.path.join(root, f"syncthing-{name}.log"), "w")
+            log = open(os.path.join(ROOT, f"syncthing-{name}.log"), "w")
             env = dict(os.environ, HOME=homes[name], STNODEFAULTFOLDER="1")
             daemons.append(subprocess.Popen(
                 ["syncthing", "serve", "--home=" + homes[name], "--no-browser", "--no-restart"],
                 env=env, stdout=log, stderr=subprocess.STDOUT))
-        a = Installation(root, "A", os.path.join(folders["a"], "Notes.quillery"))
-        b = Installation(root, "B", os.path.join(folders["b"], "Notes.quillery"))
-        a.run(["new", a.notebook])
+        a, b = pair(folders)
         wait_for(lambda: b.export() is not None, "the new notebook on the other side")
         notes = share(a, b)
         if APP and shutil.which("Xvfb") and shutil.which("xdotool"):
-            shown = shows_live(a, b, root, notes)
+            shown = shows_live(a, b, notes)
             print(f"Syncthing: the app showed the other side's note {shown:.2f} s after it "
                   f"arrived")
             converge(a, b, notes)
@@ -284,38 +279,35 @@ def with_syncthing(root):
             daemon.wait()
 
 
-def with_unison(root):
-    folders = {name: os.path.join(root, "unison-" + name) for name in ("a", "b")}
+def with_unison():
+    folders = {name: os.path.join(ROOT, "unison-" + name) for name in ("a", "b")}
     for folder in folders.values():
         os.makedirs(folder)
-    env = dict(os.environ, UNISON=os.path.join(root, "unison-state"))
+    env = dict(os.environ, UNISON=os.path.join(ROOT, "unison-state"))
 
     def sync():
         subprocess.run(["unison", folders["a"], folders["b"], "-batch", "-auto", "-times",
                         "-silent", "-confirmbigdel=false"], env=env, check=False,
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
-    a = Installation(root, "A", os.path.join(folders["a"], "Notes.quillery"))
-    b = Installation(root, "B", os.path.join(folders["b"], "Notes.quillery"))
-    a.run(["new", a.notebook])
+    a, b = pair(folders)
     sync()
     return share(a, b, sync)
 
 
 def main():
     missing = [tool for tool in ("syncthing", "unison", "faketime") if not shutil.which(tool)]
-    if missing:
-        print(f"sync tests skipped: {', '.join(missing)} not installed")
-        return
-    root = tempfile.mkdtemp(prefix="quillery-sync-")
     try:
+        if missing:
+            print(f"sync tests skipped: {', '.join(missing)} not installed")
+            return
         for name, scenario in (("Syncthing", with_syncthing), ("Unison", with_unison)):
             started = time.time()
-            notes = scenario(root)
+            notes = scenario()
             print(f"{name}: both sides hold the same {len(notes)} notes "
                   f"({time.time() - started:.1f} s)")
     finally:
-        shutil.rmtree(root, ignore_errors=True)
+        shutil.rmtree(ROOT, ignore_errors=True)
 
 
 if __name__ == "__main__":
