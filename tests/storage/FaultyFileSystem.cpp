@@ -15,19 +15,13 @@ public:
         , m_name(std::move(name)) {}
 
     std::error_code append(std::string_view bytes) override {
-        if (auto error = m_files.step("append " + m_name))
-            return error;
-        return m_file->append(bytes);
+        return m_files.stepThen("append " + m_name, [&] { return m_file->append(bytes); });
     }
     std::error_code sync() override {
-        if (auto error = m_files.step("sync " + m_name))
-            return error;
-        return m_file->sync();
+        return m_files.stepThen("sync " + m_name, [&] { return m_file->sync(); });
     }
     std::error_code close() override {
-        if (auto error = m_files.step("close " + m_name))
-            return error;
-        return m_file->close();
+        return m_files.stepThen("close " + m_name, [&] { return m_file->close(); });
     }
 
 private:
@@ -67,35 +61,30 @@ std::error_code FaultyFileSystem::createFile(const std::filesystem::path& path, 
 
 std::error_code FaultyFileSystem::copyFile(const std::filesystem::path& from,
                                            const std::filesystem::path& to) {
-    if (auto error = step("copy " + from.filename().string()))
-        return error;
-    return PosixFileSystem::copyFile(from, to);
+    return stepThen("copy " + from.filename().string(),
+                    [&] { return PosixFileSystem::copyFile(from, to); });
 }
 
 std::error_code FaultyFileSystem::createDirectory(const std::filesystem::path& path) {
-    if (auto error = step("mkdir " + path.filename().string()))
-        return error;
-    return PosixFileSystem::createDirectory(path);
+    return stepThen("mkdir " + path.filename().string(),
+                    [&] { return PosixFileSystem::createDirectory(path); });
 }
 
 std::error_code FaultyFileSystem::createDirectories(const std::filesystem::path& path) {
-    if (auto error = step("mkdirs " + path.filename().string()))
-        return error;
-    return PosixFileSystem::createDirectories(path);
+    return stepThen("mkdirs " + path.filename().string(),
+                    [&] { return PosixFileSystem::createDirectories(path); });
 }
 
 std::error_code FaultyFileSystem::rename(const std::filesystem::path& from,
                                          const std::filesystem::path& to) {
-    if (auto error = step("rename " + from.filename().string()))
-        return error;
-    return PosixFileSystem::rename(from, to);
+    return stepThen("rename " + from.filename().string(),
+                    [&] { return PosixFileSystem::rename(from, to); });
 }
 
 std::error_code FaultyFileSystem::exchange(const std::filesystem::path& a,
                                            const std::filesystem::path& b) {
-    if (auto error = step("exchange " + a.filename().string()))
-        return error;
-    return PosixFileSystem::exchange(a, b);
+    return stepThen("exchange " + a.filename().string(),
+                    [&] { return PosixFileSystem::exchange(a, b); });
 }
 
 std::error_code FaultyFileSystem::removeFile(const std::filesystem::path& path) {
@@ -107,9 +96,8 @@ std::error_code FaultyFileSystem::removeTree(const std::filesystem::path& path) 
 }
 
 std::error_code FaultyFileSystem::syncDirectory(const std::filesystem::path& path) {
-    if (auto error = step("syncdir " + path.filename().string()))
-        return error;
-    return PosixFileSystem::syncDirectory(path);
+    return stepThen("syncdir " + path.filename().string(),
+                    [&] { return PosixFileSystem::syncDirectory(path); });
 }
 
 } // namespace quillery::testing

@@ -16,12 +16,18 @@ public:
     FaultyFileSystem(int failingStep, bool crash);
 
     bool failed() const { return m_failed; }
-    int steps() const { return m_steps; }
     // What each step was, for messages.
     const std::vector<std::string>& log() const { return m_log; }
 
     // Counts one step; gives the injected error when this step is to fail.
     std::error_code step(std::string what);
+    // The step, then the real change unless the step failed.
+    template <typename Change>
+    std::error_code stepThen(std::string what, Change change) {
+        if (auto error = step(std::move(what)))
+            return error;
+        return change();
+    }
 
     std::error_code createFile(const std::filesystem::path& path, FileAccess access,
                                std::unique_ptr<WritableFile>& file) override;

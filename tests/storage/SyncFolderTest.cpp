@@ -63,15 +63,23 @@ INSTANTIATE_TEST_SUITE_P(Names, LeftoverName,
 
 class ConflictCopy : public SyncFolderTest, public ::testing::WithParamInterface<const char*> {};
 
-TEST_P(ConflictCopy, IsReadAndItsSharedRecordsApplyOnce) {
+// Read by others, its shared records apply once; A's next save folds it into the journal.
+TEST_P(ConflictCopy, IsReadAndThenFoldedIntoTheOwnJournal) {
     // The copy holds A's journal with one more note, the journal the older state: what a second
     // machine of the same identity leaves behind.
     const std::string older = readText(journal(kClientA));
     m_a.addNote("three");
     expectOk(package::saveInPlace(*m_a.document));
-    std::filesystem::rename(journal(kClientA), m_package / (kClientA + GetParam()));
+    const std::string withThree = treeText(*m_a.document);
+    const std::filesystem::path copy = m_package / (kClientA + GetParam());
+    std::filesystem::rename(journal(kClientA), copy);
     writeText(journal(kClientA), older);
-    EXPECT_EQ(readAs(m_b, m_files), treeText(*m_a.document));
+    EXPECT_EQ(readAs(m_b, m_files), withThree);
+    Client laterRun(kClientA);
+    expectOk(package::read(*laterRun.document, m_package, laterRun.codec));
+    expectOk(package::saveInPlace(*laterRun.document));
+    EXPECT_FALSE(std::filesystem::exists(copy));
+    EXPECT_EQ(readAs(m_b, m_files), withThree);
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, ConflictCopy,
@@ -149,21 +157,6 @@ TEST_F(SyncFolderTest, WritersOfOneJournalKeepEachOthersRecordsAndShowThem) {
     for (const char* text : {"one", "two", "three", "from the other", "later"})
         EXPECT_NE(all.find(text), std::string::npos) << text;
     EXPECT_EQ(readAs(m_b, m_files), all);
-}
-
-TEST_F(SyncFolderTest, ConflictCopiesOfTheOwnJournalAreFoldedIntoTheNextSaveAndRemoved) {
-    const std::string older = readText(journal(kClientA));
-    m_a.addNote("three");
-    expectOk(package::saveInPlace(*m_a.document));
-    const std::string withThree = treeText(*m_a.document);
-    const std::filesystem::path copy = m_package / (kClientA + ".sync-conflict-1-2-X.journal");
-    std::filesystem::rename(journal(kClientA), copy);
-    writeText(journal(kClientA), older);
-    Client laterRun(kClientA);
-    expectOk(package::read(*laterRun.document, m_package, laterRun.codec));
-    expectOk(package::saveInPlace(*laterRun.document));
-    EXPECT_FALSE(std::filesystem::exists(copy));
-    EXPECT_EQ(readAs(m_b, m_files), withThree);
 }
 
 TEST(JournalLock, IsReleasedWhenItsHolderIsKilled) {
