@@ -41,9 +41,8 @@ stop_process() { # PID
 }
 
 cleanup() {
-    local status=$?
+    local status=$? index
     [ -z "$app_pid" ] || stop_process "$app_pid"
-    local index
     for ((index = ${#server_pids[@]} - 1; index >= 0; index--)); do
         stop_process "${server_pids[index]}"
     done
@@ -56,12 +55,10 @@ trap cleanup EXIT
 trap 'exit 130' INT TERM
 
 wait_until() { # WHAT COMMAND...: polls for at most E2E_TIMEOUT seconds
-    local what=$1
-    shift
     local deadline=$((SECONDS + timeout))
-    until "$@"; do
-        [ "$SECONDS" -lt "$deadline" ] || fail "timed out after ${timeout}s waiting for $what"
-        check_app_running "waiting for $what"
+    until "${@:2}"; do
+        [ "$SECONDS" -lt "$deadline" ] || fail "timed out after ${timeout}s waiting for $1"
+        check_app_running "waiting for $1"
         sleep 0.2
     done
 }
@@ -77,12 +74,11 @@ check_app_running() { # WHILE
 
 # Waits for the app to end after being told to quit, and fails unless it exits with status 0.
 wait_for_quit() { # HOW
-    local deadline=$((SECONDS + timeout))
+    local deadline=$((SECONDS + timeout)) status=0
     while kill -0 "$app_pid" 2>/dev/null; do
         [ "$SECONDS" -lt "$deadline" ] || fail "the app did not quit within ${timeout}s of $1"
         sleep 0.1
     done
-    local status=0
     wait "$app_pid" || status=$?
     app_pid=
     [ "$status" -eq 0 ] || fail "the app exited with status $status after $1"
@@ -112,12 +108,8 @@ install_programs() {
 }
 
 private_environment() {
-    export HOME=$work/home
-    export XDG_CONFIG_HOME=$work/config
-    export XDG_DATA_HOME=$work/data
-    export XDG_CACHE_HOME=$work/cache
-    export XDG_STATE_HOME=$work/state
-    export XDG_RUNTIME_DIR=$work/runtime
+    export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data \
+        XDG_CACHE_HOME=$work/cache XDG_STATE_HOME=$work/state XDG_RUNTIME_DIR=$work/runtime
     mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_STATE_HOME"
     mkdir -m 700 "$XDG_RUNTIME_DIR"
     export LC_ALL=C.UTF-8
