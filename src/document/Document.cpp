@@ -32,15 +32,7 @@ Document::Document(Preferences& preferences, const PictureCodec* pictureCodec, C
     addLookup(m_deletedRootNode);
 }
 
-Document::~Document() {
-    // Every indexed node lets go of its children here, so that a deep tree is freed node by node
-    // rather than by a recursion as deep as the tree.
-    m_nodeLookup.forEach([](const NodePtr& node) {
-        for (const NodePtr& child : node->children())
-            child->setParentNode(nullptr);
-        node->children().clear();
-    });
-}
+Document::~Document() = default;
 
 TimePoint Document::now() const {
     return m_clock();

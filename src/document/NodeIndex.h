@@ -33,13 +33,6 @@ public:
         __builtin_prefetch(&m_slots[home(identifier)]);
     }
 
-    template <typename Visit>
-    void forEach(Visit visit) const {
-        for (const Slot& slot : m_slots)
-            if (slot.node)
-                visit(slot.node);
-    }
-
 private:
     struct Slot {
         Identifier key;

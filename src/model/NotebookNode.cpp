@@ -33,9 +33,24 @@ NotebookNode::NotebookNode(Identifier identifier, Identifier parentIdentifier, s
 }
 
 NotebookNode::~NotebookNode() {
-    for (const NodePtr& child : m_children)
+    // A node held by nothing else is emptied of its children before it goes, so a chain of any
+    // depth is freed one node at a time rather than by a destructor call per level.
+    std::vector<NodePtr> pending = std::move(m_children);
+    for (const NodePtr& child : pending)
         if (child->m_parentNode == this)
             child->m_parentNode = nullptr;
+    while (!pending.empty()) {
+        NodePtr node = std::move(pending.back());
+        pending.pop_back();
+        if (node.use_count() != 1)
+            continue;
+        for (NodePtr& child : node->m_children) {
+            if (child->m_parentNode == node.get())
+                child->m_parentNode = nullptr;
+            pending.push_back(std::move(child));
+        }
+        node->m_children.clear();
+    }
 }
 
 NodePtr NotebookNode::create(Identifier parentIdentifier, std::string text,

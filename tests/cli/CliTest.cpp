@@ -1,9 +1,8 @@
 #include "CliFixture.h"
+#include "SmallStack.h"
 
 #include <fstream>
-#include <functional>
 #include <gmock/gmock.h>
-#include <pthread.h>
 #include <simdjson.h>
 
 namespace quillery::cli {
@@ -246,34 +245,8 @@ protected:
     }
 };
 
-#if defined(__SANITIZE_ADDRESS__)
-// Sanitized frames are several times larger and every step several times slower; a recursion
-// over 200,000 levels still overflows the stack.
-constexpr std::size_t kStack = 1 << 20;
-constexpr std::size_t kDeepChain = 200'000;
-#else
-constexpr std::size_t kStack = 256 << 10;
-constexpr std::size_t kDeepChain = 1'000'000;
-#endif
-
-// Runs the task on a thread with a small stack, as a deep recursion would overflow it.
-void runOnSmallStack(const std::function<void()>& task) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, kStack);
-    pthread_t thread;
-    auto body = [](void* argument) -> void* {
-        (*static_cast<const std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, body, const_cast<std::function<void()>*>(&task)),
-              0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
-
 TEST_F(CliTest, AMillionDeepChainExportsInEveryFormatAndImportsBack) {
-    constexpr std::size_t kDepth = kDeepChain;
+    constexpr std::size_t kDepth = testing_support::kDeepChain;
     std::filesystem::create_directory(m_package);
     {
         std::ofstream journal(std::filesystem::path(m_package) / "C.journal");
@@ -301,7 +274,7 @@ TEST_F(CliTest, AMillionDeepChainExportsInEveryFormatAndImportsBack) {
         {{"--format", "opml"}, "</outline>\n  </body>\n</opml>\n"},
         {{"--format", "html"}, "</ul>\n</li>\n</ul>\n</body>\n</html>\n"},
     };
-    runOnSmallStack([&] {
+    testing_support::runOnSmallStack([&] {
         for (const Expected& format : formats) {
             std::vector<std::string> arguments{"export", m_package};
             arguments.insert(arguments.end(), format.options.begin(), format.options.end());

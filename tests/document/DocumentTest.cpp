@@ -28,24 +28,6 @@ TEST_F(DocumentFixture, AReplayAppliesSilentlyAndAdoptsTheClientLog) {
     EXPECT_FALSE(m_document.hasUnsavedChanges());
 }
 
-TEST_F(DocumentFixture, AVeryDeepTreeIsBuiltWalkedAndFreedWithoutRecursion) {
-    std::vector<DocumentDiff> chain;
-    Identifier parent("root");
-    for (int i = 0; i < 200000; ++i) {
-        Identifier note = Identifier::makeRandom();
-        chain.emplace_back(m_time, note, PlainDictionary{{"text", ""}, {"parent", parent}});
-        parent = note;
-    }
-    {
-        InMemoryPreferences preferences;
-        Document deep(preferences);
-        deep.loadData(std::move(chain), {});
-        NodePtr deepest = deep.node(parent);
-        ASSERT_TRUE(deepest);
-        EXPECT_TRUE(deep.isNode(*deep.rootNode()->children().front(), *deepest));
-    } // freeing a chain this long by recursion would overflow the stack
-}
-
 TEST_F(DocumentFixture, ObserversSeeTheTreeChangedAndMayUnsubscribeAnyoneFromACallback) {
     std::vector<std::string> calls;
     Document::ObserverId self = 0;

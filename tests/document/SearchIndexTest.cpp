@@ -1,6 +1,7 @@
 #include "document/SearchIndex.h"
 
 #include "DocumentFixture.h"
+#include "SmallStack.h"
 #include "document/TextFolding.h"
 
 #include <algorithm>
@@ -221,16 +222,55 @@ TEST_F(Searching, EditsAndNotesMadeWhileBuildingAreFound) {
     EXPECT_EQ(texts(index, "seed", false), Texts{"apple seed"});
 }
 
-TEST_F(Searching, AVeryDeepTreeNeedsNoDeepStack) {
-    NodePtr parent = garden;
-    for (int i = 0; i < 100'000; ++i)
-        parent = addNote(parent, i % 1000 ? "step" : "milestone");
-    addNote(parent, "bottom");
-    SearchIndex index(m_document);
-    index.waitUntilReady();
-    m_document.userDidMove(*garden, 0);
-    EXPECT_EQ(texts(index, "bottom", false), Texts{"bottom"});
-    EXPECT_EQ(index.find("milestone", false).total, 100u);
+// A chain as deep as kDeepChain is read, searched, re-placed, walked up and freed on a stack that
+// a recursion over it would overflow.
+TEST(DeepChain, IsReadSearchedAndFreedWithoutRecursion) {
+    std::vector<DocumentDiff> chain;
+    Identifier parent("root");
+    for (std::size_t i = 0; i < testing_support::kDeepChain; ++i) {
+        Identifier note = Identifier::makeRandom();
+        const char* text = i + 1 == testing_support::kDeepChain ? "bottom"
+                           : i % 1000                           ? "step"
+                                                                : "milestone";
+        chain.emplace_back(TimePoint{}, note, PlainDictionary{{"text", text}, {"parent", parent}});
+        parent = note;
+    }
+    testing_support::runOnSmallStack([&] {
+        InMemoryPreferences preferences;
+        Document deep(preferences);
+        deep.loadData(std::move(chain), {});
+        SearchIndex index(deep);
+        index.waitUntilReady();
+        NodePtr top = deep.rootNode()->children().front();
+        deep.userDidAdd(*NotebookNode::create(rootIdentifier(), "first"), *deep.rootNode(), 0);
+        deep.userDidMove(*top, 0);
+        EXPECT_EQ(Searching::texts(index, "bottom", false), Texts{"bottom"});
+        EXPECT_EQ(index.find("milestone", false).total, testing_support::kDeepChain / 1000);
+        EXPECT_EQ(ancestorFirstLines(*deep.node(parent)).size(), testing_support::kDeepChain - 1);
+    });
+}
+
+// A node shared with another holder outlives its parent with its children; the rest go.
+TEST(DeepChain, ANodeHeldElsewhereKeepsItsSubtree) {
+    testing_support::runOnSmallStack([] {
+        NodePtr top = NotebookNode::create(rootIdentifier(), "top");
+        NodePtr held;
+        NotebookNode* last = top.get();
+        for (std::size_t i = 0; i < testing_support::kDeepChain; ++i) {
+            auto child = std::make_shared<NotebookNode>(Identifier("n"), Identifier("n"), "n");
+            child->setParentNode(last);
+            last->children().push_back(child);
+            if (i == testing_support::kDeepChain / 2)
+                held = child;
+            last = child.get();
+        }
+        NodePtr below = held->children().front();
+        top.reset();
+        EXPECT_EQ(held->parentNode(), nullptr);
+        EXPECT_EQ(below->parentNode(), held.get());
+        below.reset();
+        held.reset();
+    });
 }
 
 TEST_F(Searching, AncestorFirstLinesNameThePathWithoutTheRoots) {
