@@ -26,8 +26,8 @@ constexpr std::string_view kUsage =
     "                                        add an outline's notes and save the package\n"
     "  add PACKAGE --text TEXT [--parent IDENTIFIER] [--at INDEX]\n"
     "                                        add a note and save the package\n"
-    "  info PACKAGE                          journals, notes, pictures, time to open\n"
-    "  find PACKAGE QUERY... [--deleted] [--format text|json]\n"
+    "  info [--raw] PACKAGE                  journals, notes, pictures, time to open\n"
+    "  find PACKAGE QUERY... [--deleted] [--format text|json] [--raw]\n"
     "                                        the notes that hold every word of the query\n"
     "  style                                 style a note's text (standard input) as JSON\n"
     "\n"
@@ -35,7 +35,9 @@ constexpr std::string_view kUsage =
     "for the version.\n"
     "Exit status: 0 on success, 1 when a package or file cannot be read or written, 2 on bad\n"
     "usage.\n"
-    "Results go to standard output; messages and diagnostics to standard error.\n";
+    "Results go to standard output; messages and diagnostics to standard error.\n"
+    "Control characters of notes and file names are shown as \\x1b in messages, and in results\n"
+    "written to a terminal unless --raw is given; to a pipe or a file results keep their bytes.\n";
 
 } // namespace
 
@@ -64,9 +66,9 @@ int runCli(const std::vector<std::string>& arguments, std::istream& in, std::ost
     if (command == "add")
         return runAddCommand(rest, out, err);
     if (command == "info")
-        return runInfoCommand(rest, out, err);
+        return runInfoCommand(rest, out, err, outputIsTerminal);
     if (command == "find")
-        return runFindCommand(rest, out, err);
+        return runFindCommand(rest, out, err, outputIsTerminal);
     if (command == "style")
         return runStyleCommand(rest, in, out, err);
     err << "quillery-cli: unknown command “" << terminal_text::shown(command) << "”\n\n" << kUsage;

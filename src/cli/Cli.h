@@ -14,7 +14,8 @@ inline constexpr int kNoMatches = 1; // find found nothing
 
 // Runs one quillery-cli command line (the arguments after the program name) and returns the
 // process exit code. Results go to `out`; messages and the engine's diagnostic lines go to `err`.
-// `outputIsTerminal` says whether `out` is a terminal (see export --raw).
+// `outputIsTerminal` says whether `out` is a terminal, where results show control characters
+// escaped unless --raw is given.
 int runCli(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
            std::ostream& err, bool outputIsTerminal = false);
 

@@ -5,6 +5,7 @@
 #include "cli/NotebookSession.h"
 #include "document/SearchIndex.h"
 #include "document/TextFolding.h"
+#include "outline/TerminalText.h"
 #include "storage/JsonWriter.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ namespace quillery::cli {
 namespace {
 
 constexpr std::string_view kFindUsage =
-    "Usage: quillery-cli find PACKAGE QUERY... [--deleted] [--format text|json]\n"
+    "Usage: quillery-cli find PACKAGE QUERY... [--deleted] [--format text|json] [--raw]\n"
     "\n"
     "Prints the notes that hold every word of the query, in any order, ignoring case and\n"
     "accents (\"resume\" finds \"Résumé\"), in the order of the tree. A word may be part of a\n"
@@ -26,6 +27,8 @@ constexpr std::string_view kFindUsage =
     "                  path of a deleted note starts with \"Deleted notes\"\n"
     "  json:           an array of {\"identifier\", \"path\": [first lines from the top],\n"
     "                  \"text\", \"deleted\"}\n"
+    "On a terminal, control characters of notes in text are shown as \\x1b; --raw writes them\n"
+    "as they are, as is always done to pipes and files.\n"
     "Exit status: 0 with matches, 1 with none or when the package cannot be opened, 2 on bad\n"
     "usage.\n";
 
@@ -41,19 +44,19 @@ std::vector<std::string_view> pathOf(const SearchHit& hit) {
 }
 
 // Tabs inside a field would break the columns.
-std::string field(std::string_view text) {
-    std::string out(text);
+std::string field(std::string_view text, bool escape) {
+    std::string out = escape ? terminal_text::shown(text) : std::string(text);
     std::replace(out.begin(), out.end(), '\t', ' ');
     return out;
 }
 
-void writeText(const std::vector<SearchHit>& hits, std::ostream& out) {
+void writeText(const std::vector<SearchHit>& hits, bool escape, std::ostream& out) {
     for (const SearchHit& hit : hits) {
-        out << hit.node->identifier().toString() << '\t';
+        out << field(hit.node->identifier().toString(), escape) << '\t';
         const auto path = pathOf(hit);
         for (std::size_t i = 0; i < path.size(); ++i)
-            out << (i ? " > " : "") << field(path[i]);
-        out << '\t' << field(firstLine(hit.node->text())) << '\n';
+            out << (i ? " > " : "") << field(path[i], escape);
+        out << '\t' << field(firstLine(hit.node->text()), escape) << '\n';
     }
 }
 
@@ -84,9 +87,9 @@ void writeJson(const std::vector<SearchHit>& hits, std::ostream& out) {
 
 } // namespace
 
-int runFindCommand(const std::vector<std::string>& arguments, std::ostream& out,
-                   std::ostream& err) {
-    CommandArguments parsed(arguments, {"--format"}, {"--deleted"});
+int runFindCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+                   bool outputIsTerminal) {
+    CommandArguments parsed(arguments, {"--format"}, {"--deleted", "--raw"});
     if (parsed.wantsHelp()) {
         out << kFindUsage;
         return kSuccess;
@@ -105,7 +108,7 @@ int runFindCommand(const std::vector<std::string>& arguments, std::ostream& out,
     if (!problem && folding::queryWords(query).empty())
         problem = "the query has no words";
     if (problem) {
-        err << "quillery-cli: " << *problem << "\n\n" << kFindUsage;
+        err << "quillery-cli: " << terminal_text::shown(*problem) << "\n\n" << kFindUsage;
         return kUsageError;
     }
 
@@ -119,7 +122,7 @@ int runFindCommand(const std::vector<std::string>& arguments, std::ostream& out,
     if (format == "json")
         writeJson(results.hits, out);
     else
-        writeText(results.hits, out);
+        writeText(results.hits, outputIsTerminal && !parsed.flag("--raw"), out);
     return results.hits.empty() ? kNoMatches : kSuccess;
 }
 

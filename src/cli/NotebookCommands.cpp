@@ -4,6 +4,7 @@
 #include "cli/CommandArguments.h"
 #include "cli/NotebookSession.h"
 #include "model/JournalMerge.h"
+#include "outline/TerminalText.h"
 
 #include <charconv>
 #include <chrono>
@@ -29,10 +30,12 @@ constexpr std::string_view kAddUsage =
     "(0 is first; at the end when not given). Prints the new note's identifier.\n";
 
 constexpr std::string_view kInfoUsage =
-    "Usage: quillery-cli info PACKAGE\n"
+    "Usage: quillery-cli info [--raw] PACKAGE\n"
     "\n"
     "Prints the package's journals (client and number of records), the number of notes,\n"
-    "deleted notes and pictures, and how long opening it took.\n";
+    "deleted notes and pictures, and how long opening it took. On a terminal, control\n"
+    "characters of journal names are shown as \\x1b; --raw writes them as they are, as is always\n"
+    "done to pipes and files.\n";
 
 // Handles --help and bad usage; gives the single PACKAGE argument, or nothing when the caller
 // should return `exitCode`.
@@ -48,7 +51,7 @@ std::optional<std::string> packageArgument(const CommandArguments& arguments,
     if (!problem && arguments.positional().size() != 1)
         problem = arguments.positional().empty() ? "no PACKAGE given" : "more than one PACKAGE";
     if (problem) {
-        err << "quillery-cli: " << *problem << "\n\n" << usage;
+        err << "quillery-cli: " << terminal_text::shown(*problem) << "\n\n" << usage;
         exitCode = kUsageError;
         return std::nullopt;
     }
@@ -80,7 +83,7 @@ int runNewCommand(const std::vector<std::string>& arguments, std::ostream& out, 
     std::error_code error;
     if (std::filesystem::symlink_status(*location, error).type() !=
         std::filesystem::file_type::not_found) {
-        err << "quillery-cli: “" << *location << "” already exists.\n";
+        err << "quillery-cli: “" << terminal_text::shown(*location) << "” already exists.\n";
         return kPackageFailure;
     }
     NotebookSession session(err);
@@ -94,7 +97,7 @@ int runAddCommand(const std::vector<std::string>& arguments, std::ostream& out, 
     if (!location)
         return exitCode;
     auto usageError = [&](const std::string& problem) {
-        err << "quillery-cli: " << problem << "\n\n" << kAddUsage;
+        err << "quillery-cli: " << terminal_text::shown(problem) << "\n\n" << kAddUsage;
         return kUsageError;
     };
     auto text = parsed.value("--text");
@@ -119,8 +122,8 @@ int runAddCommand(const std::vector<std::string>& arguments, std::ostream& out, 
     if (auto parentIdentifier = parsed.value("--parent")) {
         parent = document.node(Identifier(*parentIdentifier));
         if (!parent) {
-            err << "quillery-cli: no note “" << *parentIdentifier << "” in “" << *location
-                << "”.\n";
+            err << "quillery-cli: no note “" << terminal_text::shown(*parentIdentifier) << "” in “"
+                << terminal_text::shown(*location) << "”.\n";
             return kUsageError;
         }
     }
@@ -135,16 +138,17 @@ int runAddCommand(const std::vector<std::string>& arguments, std::ostream& out, 
         return kPackageFailure;
     // The save merged what other writers added meanwhile; the note must still stand in the tree.
     if (!session.standsInTree(note->identifier())) {
-        err << "quillery-cli: the note was saved but has no place in “" << *location << "”.\n";
+        err << "quillery-cli: the note was saved but has no place in “"
+            << terminal_text::shown(*location) << "”.\n";
         return kPackageFailure;
     }
     out << note->identifier().toString() << '\n';
     return kSuccess;
 }
 
-int runInfoCommand(const std::vector<std::string>& arguments, std::ostream& out,
-                   std::ostream& err) {
-    CommandArguments parsed(arguments, {});
+int runInfoCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+                   bool outputIsTerminal) {
+    CommandArguments parsed(arguments, {}, {"--raw"});
     int exitCode = kSuccess;
     auto location = packageArgument(parsed, kInfoUsage, out, err, exitCode);
     if (!location)
@@ -158,13 +162,14 @@ int runInfoCommand(const std::vector<std::string>& arguments, std::ostream& out,
 
     const Document& document = session.document();
     std::string own = journalFileName(document.clientIdentifier());
+    const bool escape = outputIsTerminal && !parsed.flag("--raw");
     out << "Journals: " << summary.journals.size() << '\n';
     for (const auto& journal : summary.journals) {
         std::string client = journal.fileName;
         if (client.ends_with(kJournalMarker))
             client.resize(client.size() - kJournalMarker.size());
-        out << "  " << client << ": " << journal.recordCount
-            << (journal.recordCount == 1 ? " record" : " records")
+        out << "  " << (escape ? terminal_text::shown(client) : client) << ": "
+            << journal.recordCount << (journal.recordCount == 1 ? " record" : " records")
             << (journal.fileName == own ? " (this installation)" : "") << '\n';
     }
     out << "Notes: " << countNotes(*document.rootNode()) << '\n';

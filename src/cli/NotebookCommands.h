@@ -10,6 +10,8 @@ namespace quillery::cli {
 // exit code.
 int runNewCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
 int runAddCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
-int runInfoCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
+// `outputIsTerminal`: see runCli.
+int runInfoCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+                   bool outputIsTerminal);
 
 } // namespace quillery::cli

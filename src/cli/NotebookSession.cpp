@@ -1,20 +1,22 @@
 #include "cli/NotebookSession.h"
 
+#include "outline/TerminalText.h"
+
 #include <ostream>
 
 namespace quillery::cli {
 
 NotebookSession::NotebookSession(std::ostream& err)
     : m_err(err)
-    , m_sink([&err](std::string_view line) { err << line << '\n'; })
+    , m_sink([&err](std::string_view line) { err << terminal_text::shown(line) << '\n'; })
     , m_document(m_preferences, &m_codec) {
 }
 
 bool NotebookSession::report(const std::optional<StorageError>& error) {
     if (!error)
         return true;
-    m_err << "quillery-cli: " << error->message << "\n  (" << error->domain << " " << error->code
-          << ")\n";
+    m_err << "quillery-cli: " << terminal_text::shown(error->message) << "\n  (" << error->domain
+          << " " << error->code << ")\n";
     return false;
 }
 

@@ -211,18 +211,63 @@ INSTANTIATE_TEST_SUITE_P(
                       BadFile{"missing.txt", nullptr, ": No such file"}),
     [](const auto& test) { return std::string(test.param.name).substr(0, 6); });
 
-TEST_F(CliTest, ControlCharactersAreShownEscapedOnATerminalUnlessRaw) {
+// Escape sequences a note or a file name may carry: a clipboard write (OSC 52), a screen clear, a
+// window title and the one-byte C1 form of CSI.
+constexpr std::string_view kSequences = "\x1b]52;c;cHduZWQ=\x07 \x1b[2J \x1b]0;title\x07 \xC2\x9B"
+                                        "2J";
+
+struct ShownCase {
+    const char* name;
+    std::vector<std::string>
+        arguments; // "PACKAGE" stands for the package, "HOSTILE" for kSequences
+    bool message;  // on standard error, escaped even to a pipe
+};
+
+class CliShownTest : public CliFixture, public ::testing::WithParamInterface<ShownCase> {
+protected:
+    Outcome runCase(bool toTerminal, bool raw) {
+        std::vector<std::string> arguments = GetParam().arguments;
+        for (std::string& argument : arguments) {
+            if (argument == "PACKAGE")
+                argument = m_package;
+            if (const auto at = argument.find("HOSTILE"); at != std::string::npos)
+                argument.replace(at, 7, kSequences);
+        }
+        if (raw)
+            arguments.push_back("--raw");
+        return run(arguments, toTerminal);
+    }
+};
+
+TEST_P(CliShownTest, ControlCharactersAreShownEscapedOnATerminalUnlessRaw) {
     run({"new", m_package});
-    add("title\x1b]0;pwned\x07 \xC2\x9B"
-        "2J");
-    const std::vector<std::string> exportText{"export", "--format", "text", m_package};
-    EXPECT_EQ(run(exportText, true).out, "- title\\x1b]0;pwned\\x07 \\xc2\\x9b2J\n");
-    std::vector<std::string> raw = exportText;
-    raw.push_back("--raw");
-    EXPECT_EQ(run(raw, true).out, "- title\x1b]0;pwned\x07 \xC2\x9B"
-                                  "2J\n");
-    EXPECT_EQ(run(exportText, false).out, run(raw, true).out) << "pipes and files get the bytes";
+    add("note " + std::string(kSequences) + "\nsecond");
+    write("Notes.quillery/client " + std::string(kSequences) + ".journal", "{\"diffs\": []}\n");
+    const auto& stream = [&](const Outcome& outcome) {
+        return GetParam().message ? outcome.err : outcome.out;
+    };
+    const std::string escaped = stream(runCase(true, false));
+    EXPECT_THAT(escaped,
+                HasSubstr(R"(\x1b]52;c;cHduZWQ=\x07 \x1b[2J \x1b]0;title\x07 \xc2\x9b2J)"));
+    EXPECT_EQ(escaped.find_first_of("\x1b\x07\x9b"), std::string::npos);
+    if (GetParam().message)
+        return;
+    EXPECT_THAT(stream(runCase(true, true)), HasSubstr(kSequences));
+    EXPECT_THAT(stream(runCase(false, false)), HasSubstr(kSequences))
+        << "pipes and files get the bytes";
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Commands, CliShownTest,
+    ::testing::Values(ShownCase{"markdown", {"export", "--format", "markdown", "PACKAGE"}, false},
+                      ShownCase{"text", {"export", "--format", "text", "PACKAGE"}, false},
+                      ShownCase{"find", {"find", "PACKAGE", "note"}, false},
+                      ShownCase{"info", {"info", "PACKAGE"}, false},
+                      ShownCase{
+                          "parent", {"add", "PACKAGE", "--text", "t", "--parent", "HOSTILE"}, true},
+                      ShownCase{"package", {"info", "HOSTILE"}, true},
+                      ShownCase{"option", {"find", "PACKAGE", "note", "--HOSTILE"}, true}),
+    [](const auto& test) { return std::string(test.param.name); });
 
 // Counts what is written and keeps the end of it.
 class TailBuffer : public std::streambuf {
@@ -245,8 +290,9 @@ protected:
     }
 };
 
-TEST_F(CliTest, AMillionDeepChainExportsInEveryFormatAndImportsBack) {
+TEST_F(CliTest, AMillionDeepChainIsReadWrittenAndFoundOnASmallStack) {
     constexpr std::size_t kDepth = testing_support::kDeepChain;
+    const std::string last = "N" + std::to_string(kDepth - 1);
     std::filesystem::create_directory(m_package);
     {
         std::ofstream journal(std::filesystem::path(m_package) / "C.journal");
@@ -254,38 +300,42 @@ TEST_F(CliTest, AMillionDeepChainExportsInEveryFormatAndImportsBack) {
         for (std::size_t i = 0; i < kDepth; ++i)
             journal << (i ? ",\n" : "")
                     << R"({"timestamp": "2017-03-04T09:15:02GMT", "identifier": "N)" << i
-                    << R"(", "text": "n", "parent": ")"
+                    << R"(", "text": ")" << (i + 1 < kDepth ? "n" : "bottom") << R"(", "parent": ")"
                     << (i ? "N" + std::to_string(i - 1) : std::string("root")) << "\"}";
         journal << "]}\n";
     }
     struct Expected {
-        std::vector<std::string> options;
+        std::vector<std::string> arguments; // after the package
         std::string tail;
     };
-    const std::string deepest = std::string(128, ' ') + "- n\n";
+    const std::string deepest = std::string(128, ' ') + "- bottom\n";
     const std::string deleted = "{\"identifier\":\"deleted\",\"text\":\"\",\"children\":[]}}\n";
-    const std::vector<Expected> formats{
-        {{"--format", "json"}, "]}]}]},\"deleted\":" + deleted},
-        {{"--format", "json", "--pretty", "--note", "N" + std::to_string(kDepth - 1)},
-         "{\n  \"identifier\" : \"N" + std::to_string(kDepth - 1) +
-             "\",\n  \"text\" : \"n\",\n  \"children\" : []\n}\n"},
-        {{"--format", "markdown"}, deepest},
-        {{"--format", "text"}, deepest},
-        {{"--format", "opml"}, "</outline>\n  </body>\n</opml>\n"},
-        {{"--format", "html"}, "</ul>\n</li>\n</ul>\n</body>\n</html>\n"},
+    const std::vector<Expected> commands{
+        {{"export", "--format", "json"}, "]}]}]},\"deleted\":" + deleted},
+        {{"export", "--format", "json", "--pretty", "--note", last},
+         "{\n  \"identifier\" : \"" + last +
+             "\",\n  \"text\" : \"bottom\",\n  \"children\" : []\n}\n"},
+        {{"export", "--format", "markdown"}, deepest},
+        {{"export", "--format", "text"}, deepest},
+        {{"export", "--format", "opml"}, "</outline>\n  </body>\n</opml>\n"},
+        {{"export", "--format", "html"}, "</ul>\n</li>\n</ul>\n</body>\n</html>\n"},
+        {{"find", "bottom"}, " > n > bottom\tbottom\n"},
+        {{"info"}, "Notes: " + std::to_string(kDepth) + "\nDeleted notes: 0\n"},
     };
     testing_support::runOnSmallStack([&] {
-        for (const Expected& format : formats) {
-            std::vector<std::string> arguments{"export", m_package};
-            arguments.insert(arguments.end(), format.options.begin(), format.options.end());
+        for (const Expected& command : commands) {
+            std::vector<std::string> arguments{command.arguments.front(), m_package};
+            arguments.insert(arguments.end(), command.arguments.begin() + 1,
+                             command.arguments.end());
             TailBuffer buffer;
             std::ostream out(&buffer);
             std::istringstream in;
             std::ostringstream err;
-            ASSERT_EQ(runCli(arguments, in, out, err), kSuccess) << err.str();
-            EXPECT_THAT(buffer.tail, ::testing::EndsWith(format.tail)) << format.options.back();
+            const std::string name = ::testing::PrintToString(command.arguments);
+            ASSERT_EQ(runCli(arguments, in, out, err), kSuccess) << name << err.str();
+            EXPECT_THAT(buffer.tail, HasSubstr(command.tail)) << name;
             // Indentation grows with depth only up to a cap, so output grows with the notes.
-            EXPECT_LT(buffer.size, 1000 * kDepth) << format.options.back();
+            EXPECT_LT(buffer.size, 1000 * kDepth) << name;
         }
         const std::string opml = (m_directory / "deep.opml").string();
         const std::string copy = (m_directory / "Copy.quillery").string();
@@ -295,6 +345,7 @@ TEST_F(CliTest, AMillionDeepChainExportsInEveryFormatAndImportsBack) {
         Outcome imported = run({"import", copy, opml});
         EXPECT_EQ(imported.out, "Imported " + std::to_string(kDepth) + " notes.\n") << imported.err;
         EXPECT_THAT(run({"info", copy}).out, HasSubstr("Notes: " + std::to_string(kDepth) + "\n"));
+        EXPECT_EQ(run({"add", m_package, "--text", "below", "--parent", last}).exitCode, kSuccess);
     });
 }
 
