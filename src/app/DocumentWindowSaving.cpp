@@ -15,7 +15,6 @@
 
 #include <QCloseEvent>
 #include <QFileInfo>
-#include <QPlainTextEdit>
 
 namespace quillery {
 
@@ -160,8 +159,7 @@ void DocumentWindow::finishEditing() {
 
 bool DocumentWindow::editorHoldsChange() const {
     const auto* editor = qobject_cast<NoteEditorPanel*>(columnRow()->panel());
-    return editor && editor->note() &&
-           editor->textEdit()->toPlainText().toStdString() != editor->note()->text();
+    return editor && editor->note() && editor->text() != editor->note()->text();
 }
 
 } // namespace quillery

@@ -1,11 +1,11 @@
 #include "columns/NoteEditorPanel.h"
 
 #include "columns/ColumnStyle.h"
+#include "columns/NoteTextEdit.h"
 #include "markdown/Styles.h"
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTimer>
@@ -20,7 +20,7 @@ constexpr double kEditorFontSize = 16;
 
 NoteEditorPanel::NoteEditorPanel(QWidget* parent)
     : QWidget(parent)
-    , m_textEdit(new QPlainTextEdit(this))
+    , m_textEdit(new NoteTextEdit(this))
     , m_doneButton(new QPushButton(tr("Done"), this))
     , m_cancelButton(new QPushButton(tr("Cancel"), this)) {
     setObjectName(QStringLiteral("NoteEditorPanel"));
@@ -29,6 +29,9 @@ NoteEditorPanel::NoteEditorPanel(QWidget* parent)
     m_textEdit->setAccessibleName(tr("Note text"));
     m_textEdit->setFont(columnstyle::font({fontfamilies::monospace(), kEditorFontSize}));
     m_textEdit->setTabChangesFocus(true);
+    // A word wider than the editor (an address, a pasted key, a note without spaces) breaks
+    // where the line ends instead of running on as one line the whole word long.
+    m_textEdit->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     m_doneButton->setObjectName(QStringLiteral("doneButton"));
     m_doneButton->setToolTip(tr("Keep the text (Ctrl+Return)"));
     m_doneButton->setDefault(true);
@@ -65,7 +68,7 @@ void NoteEditorPanel::updateUI() {
     if (!m_note)
         return;
     // Setting the text starts a fresh typing history: loading the note is not an undo step.
-    m_textEdit->setPlainText(QString::fromStdString(m_note->text()));
+    m_textEdit->setNoteText(QString::fromStdString(m_note->text()));
     m_textEdit->moveCursor(QTextCursor::End);
 }
 
@@ -74,7 +77,11 @@ void NoteEditorPanel::finish() {
         return;
     // A copy: the receiver may let go of the panel, and with it of the note.
     const NodePtr node = m_note;
-    emit finished(node, m_textEdit->toPlainText().toStdString());
+    emit finished(node, text());
+}
+
+std::string NoteEditorPanel::text() const {
+    return m_textEdit->noteText().toStdString();
 }
 
 void NoteEditorPanel::cancel() {

@@ -6,10 +6,11 @@
 
 #include <string>
 
-class QPlainTextEdit;
 class QPushButton;
 
 namespace quillery {
+
+class NoteTextEdit;
 
 // The panel in which one note's text is typed or changed. Typing has its own undo history,
 // which lives and dies with the panel and never reaches the document's. Done (also Ctrl+Return)
@@ -24,7 +25,9 @@ public:
     const NodePtr& note() const { return m_note; }
     // Replaces the text with the note's text, as stored.
     void setNote(NodePtr note);
-    QPlainTextEdit* textEdit() const { return m_textEdit; }
+    NoteTextEdit* textEdit() const { return m_textEdit; }
+    // The text as it stands in the editor.
+    std::string text() const;
 
     void finish();
     void cancel();
@@ -41,7 +44,7 @@ protected:
 private:
     void updateUI();
 
-    QPlainTextEdit* m_textEdit;
+    NoteTextEdit* m_textEdit;
     QPushButton* m_doneButton;
     QPushButton* m_cancelButton;
     NodePtr m_note;

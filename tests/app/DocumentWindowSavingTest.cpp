@@ -1,6 +1,7 @@
 #include "app/AppFixture.h"
 #include "app/DocumentWindow.h"
 #include "columns/NoteEditorPanel.h"
+#include "columns/NoteTextEdit.h"
 
 #include <QPlainTextEdit>
 #include <QPointer>

@@ -1,4 +1,5 @@
 #include "ColumnTestSupport.h"
+#include "columns/NoteTextEdit.h"
 
 #include <QAction>
 #include <QDir>
