@@ -21,8 +21,13 @@ QtPictureCodec::QtPictureCodec() {
 PicturePtr QtPictureCodec::decode(std::span<const std::uint8_t> bytes) const {
     if (bytes.empty())
         return nullptr;
-    QImage image = decodePicture(QByteArray::fromRawData(
-        reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())));
+    // A copy: the caller's bytes are gone by the time the picture is drawn.
+    QByteArray copy(reinterpret_cast<const char*>(bytes.data()),
+                    static_cast<qsizetype>(bytes.size()));
+    if (const QSize size = shownPictureSize(copy); size.isValid())
+        return std::make_shared<QtPicture>(std::move(copy), size,
+                                           QtPicture::imageOf(m_placeholder));
+    QImage image = decodePicture(copy);
     if (image.isNull())
         return nullptr;
     return std::make_shared<QtPicture>(std::move(image));

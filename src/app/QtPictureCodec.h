@@ -5,7 +5,10 @@
 namespace quillery {
 
 // Decodes pictures with Qt's image readers (JPEG, PNG, TIFF and whatever plugins are installed)
-// into QtPicture values, turned upright by their orientation tag.
+// into QtPicture values, turned upright by their orientation tag. A picture whose header tells its
+// size is only read as far as that here and decoded when it is first drawn, off the main thread,
+// so a notebook opens at once whatever its pictures; one that then fails to decode is drawn as
+// the placeholder.
 class QtPictureCodec : public PictureCodec {
 public:
     QtPictureCodec();

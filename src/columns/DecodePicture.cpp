@@ -32,6 +32,22 @@ QImage decodePicture(const QByteArray& bytes, PictureSize size) {
     return reader.read();
 }
 
+QSize shownPictureSize(const QByteArray& bytes) {
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    reader.setAutoTransform(true);
+    QSize size = reader.size();
+    if (!size.isValid() || size.isEmpty())
+        return QSize();
+    if (reader.transformation() & QImageIOHandler::TransformationRotate90)
+        size.transpose();
+    return isLargerThanShown(size)
+               ? size.scaled(kMaxShownPictureSide, kMaxShownPictureSide, Qt::KeepAspectRatio)
+               : size;
+}
+
 QImage shownPicture(const QImage& picture) {
     if (!isLargerThanShown(picture.size()))
         return picture;

@@ -17,6 +17,10 @@ enum class PictureSize { Full, Shown };
 // picture Qt can read, or when the full-size picture would take more than 2 GiB.
 QImage decodePicture(const QByteArray& bytes, PictureSize size = PictureSize::Shown);
 
+// The size decodePicture gives the bytes at PictureSize::Shown, read from their header alone; an
+// invalid size when the header does not tell it.
+QSize shownPictureSize(const QByteArray& bytes);
+
 // The picture scaled down to at most kMaxShownPictureSide on a side; smaller ones as they are.
 QImage shownPicture(const QImage& picture);
 

@@ -227,8 +227,13 @@ void NodeRowDelegate::paintPicture(QPainter& painter, const QRect& rect, const N
                                    bool enabled) const {
     const QImage image =
         m_document ? QtPicture::imageOf(m_document->image(*node.imageIdentifier())) : QImage();
-    if (image.isNull() || rect.isEmpty())
+    if (rect.isEmpty())
         return;
+    // A plain box holds the picture's place until it is decoded.
+    if (image.isNull()) {
+        painter.fillRect(rect, QGuiApplication::palette().color(QPalette::Midlight));
+        return;
+    }
     // Scaled once per size and screen density, not on every paint.
     const qreal ratio = painter.device()->devicePixelRatioF();
     const QSize pixels = (QSizeF(rect.size()) * ratio).toSize();

@@ -3,6 +3,7 @@
 #include "columns/ColumnCommand.h"
 #include "columns/ColumnListStyle.h"
 #include "columns/NodeListModel.h"
+#include "columns/PictureDecoder.h"
 
 #include <QApplication>
 #include <QDrag>
@@ -44,6 +45,9 @@ NoteListView::NoteListView(QWidget* parent)
     verticalScrollBar()->setStyle(style);
     setDragDropMode(QAbstractItemView::DragDrop);
     setDefaultDropAction(Qt::MoveAction);
+    // Pictures are drawn once decoded; their rows' heights are known before.
+    connect(&PictureDecoder::instance(), &PictureDecoder::decoded, viewport(),
+            qOverload<>(&QWidget::update));
 }
 
 int NoteListView::selectedRow() const {

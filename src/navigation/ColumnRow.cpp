@@ -1,6 +1,7 @@
 #include "navigation/ColumnRow.h"
 
 #include "columns/NoteColumn.h"
+#include "columns/PictureDecoder.h"
 #include "columns/PicturePanel.h"
 #include "columns/QtPicture.h"
 #include "document/Document.h"
@@ -163,6 +164,13 @@ void ColumnRow::showPicture(const NoteColumn& column, const NodePtr& node) {
     auto* imagePanel = new PicturePanel;
     imagePanel->setObjectName(QStringLiteral("PicturePanel"));
     imagePanel->setImage(QtPicture::imageOf(picture));
+    if (imagePanel->image().isNull()) {
+        connect(&PictureDecoder::instance(), &PictureDecoder::decoded, imagePanel,
+                [imagePanel, picture] {
+                    if (imagePanel->image().isNull())
+                        imagePanel->setImage(QtPicture::imageOf(picture));
+                });
+    }
     connect(imagePanel, &PicturePanel::finished, this, &ColumnRow::closePanel);
     showPanel(imagePanel, column.depth() + 1);
     // Escape and the zoom keys should work without a click on the picture first.

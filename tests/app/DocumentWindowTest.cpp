@@ -2,8 +2,10 @@
 
 #include "app/AppCommands.h"
 #include "app/AppFixture.h"
+#include "columns/EncodedPicture.h"
 #include "columns/ExecDialog.h"
 #include "columns/NoteEditorPanel.h"
+#include "columns/QtPicture.h"
 
 #include <QDialog>
 #include <QMenu>
@@ -157,6 +159,70 @@ TEST_F(DocumentWindowTest, NoTwoCommandsShareAShortcut) {
 }
 
 // File > Open Recent: the notebooks opened lately, newest first, and Clear Menu.
+// A PNG of one pixel whose header claims the size given: a few dozen bytes that would take
+// gigabytes decoded.
+QByteArray pictureBomb(quint32 width, quint32 height) {
+    QImage pixel(1, 1, QImage::Format_ARGB32);
+    pixel.fill(Qt::white);
+    QByteArray png = testing::encoded(pixel, "png");
+    for (int i = 0; i < 4; ++i) {
+        png[16 + i] = static_cast<char>(width >> (24 - 8 * i));
+        png[20 + i] = static_cast<char>(height >> (24 - 8 * i));
+    }
+    quint32 crc = 0xFFFFFFFF; // over the header chunk's type and data
+    for (int i = 12; i < 29; ++i) {
+        crc ^= static_cast<quint8>(png[i]);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc >> 1) ^ (0xEDB88320 & (0 - (crc & 1)));
+    }
+    crc = ~crc;
+    for (int i = 0; i < 4; ++i)
+        png[29 + i] = static_cast<char>(crc >> (24 - 8 * i));
+    return png;
+}
+
+// Pictures are read only as far as their size when a notebook opens, and decoded off the main
+// thread once shown; one that cannot be decoded is drawn as the placeholder.
+TEST_F(AppFixture, PicturesDecodeAfterTheWindowIsShownAndABombIsAPlaceholder) {
+    QImage photo(300, 200, QImage::Format_RGB32);
+    photo.fill(Qt::darkCyan);
+    const QSize placeholder = QtPicture::imageOf(codec.placeholder()).size();
+    struct Case {
+        QByteArray bytes;
+        QSize shown, decoded;
+    };
+    const std::vector<Case> cases{
+        {pictureBomb(50'000, 50'000), QSize(4096, 4096), placeholder},
+        {pictureBomb(40'000, 10), QSize(4096, 1), placeholder},
+        {testing::encoded(photo, "png"), QSize(300, 200), QSize(300, 200)},
+    };
+    const std::filesystem::path location = path("Pictures.quillery");
+    {
+        Document document(preferences, &codec);
+        const NodePtr& root = document.rootNode();
+        for (const Case& picture : cases) {
+            const Identifier key = document.addImage(
+                codec.decode({reinterpret_cast<const std::uint8_t*>(picture.bytes.data()),
+                              static_cast<std::size_t>(picture.bytes.size())}),
+                {picture.bytes.begin(), picture.bytes.end()}, "png");
+            document.add(*NotebookNode::create(root->identifier(), "", key), *root, -1);
+        }
+        ASSERT_FALSE(package::saveTo(document, location));
+    }
+    DocumentWindow* window = controller.openDocument(location);
+    ASSERT_NE(window, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    const auto& notes = window->document().rootNode()->children();
+    ASSERT_EQ(notes.size(), cases.size());
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        const PicturePtr picture = window->document().image(*notes[i]->imageIdentifier());
+        EXPECT_EQ(QSize(picture->width(), picture->height()), cases[i].shown) << i;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !QtPicture::imageOf(picture).isNull(); }, 20'000))
+            << i;
+        EXPECT_EQ(QtPicture::imageOf(picture).size(), cases[i].decoded) << i;
+    }
+}
+
 class OpenRecentTest : public AppFixture {
 protected:
     // The menu as it shows now: its entries' texts, separators as "-", disabled ones in brackets.
