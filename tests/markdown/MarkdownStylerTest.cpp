@@ -163,46 +163,55 @@ const StylingCase kCases[] = {
 
 INSTANTIATE_TEST_SUITE_P(Cases, Styling, ::testing::ValuesIn(kCases), caseName);
 
-TEST(StylingLongLines, StylesEverySpanOfAMegabyteLine) {
-    std::string line;
-    constexpr int kSpans = 100'000;
-    for (int i = 0; i < kSpans; ++i) {
-        line += "word *em* ";
-    }
-    const Runs runs = style(line);
-    ASSERT_EQ(runs.size(), 2u * kSpans + 2); // texts around the spans, and the terminator
-    EXPECT_EQ(runs[1], text("em", italic));
-    EXPECT_EQ(runs[runs.size() - 2], text(" "));
+// About a megabyte of one piece repeated: inputs that once took time quadratic in their length
+// (a few megabytes of "*\" took tens of seconds), so such a path makes the test time out.
+struct LongInput {
+    const char* name;
+    std::string prefix, piece;
+    std::size_t count;
+    std::size_t runs;
+    std::size_t probed; // the run compared with `expected`
+    StyledRun expected;
+};
+
+void PrintTo(const LongInput& input, std::ostream* out) {
+    *out << input.name;
 }
 
-TEST(StylingLongLines, UnclosedSpanRunsToTheEndOfALongLine) {
-    const std::string rest(1 << 20, 'x');
-    EXPECT_EQ(style("a `" + rest), (Runs{text("a "), text(rest, code), newline()}));
+std::string repeated(std::string_view piece, std::size_t count) {
+    std::string out;
+    out.reserve(piece.size() * count);
+    for (std::size_t i = 0; i < count; ++i)
+        out += piece;
+    return out;
 }
 
-TEST(StylingLongLines, LongHeadingLosesAllItsHashes) {
-    std::string line = "## ";
-    for (int i = 0; i < 50'000; ++i) {
-        line += "a##b";
-    }
-    const Runs runs = style(line);
-    ASSERT_EQ(runs.size(), 2u);
-    EXPECT_EQ(runs[0].text.size(), 100'000u);
-    EXPECT_EQ(runs[0].lineType, h2);
+class StylingLongInputs : public ::testing::TestWithParam<LongInput> {};
+
+TEST_P(StylingLongInputs, TakeLinearTime) {
+    const LongInput& input = GetParam();
+    const Runs runs = style(input.prefix + repeated(input.piece, input.count));
+    ASSERT_EQ(runs.size(), input.runs);
+    EXPECT_EQ(runs[input.probed], input.expected);
 }
 
-// A run of escaped markers as long as the line: splitting it must take linear time, or a few
-// megabytes of "*\\" take tens of seconds.
-TEST(StylingLongLines, LongRunOfEscapedMarkersIsSplitInOnePass) {
-    std::string line;
-    for (int i = 0; i < 1'000'000; ++i) {
-        line += "*\\";
-    }
-    // The first "*" and the last backslash are markers; every other pair is an escaped "*".
-    const Runs runs = style(line);
-    ASSERT_EQ(runs.size(), 2u);
-    EXPECT_EQ(runs[0].text, std::string(999'999, '*'));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Megabyte, StylingLongInputs,
+    ::testing::Values(
+        LongInput{"Spans", "", "word *em* ", 100'000, 200'002, 1, text("em", italic)},
+        LongInput{"UnclosedCode", "a `", "x", 1 << 20, 3, 1, text(std::string(1 << 20, 'x'), code)},
+        LongInput{"HashesInAHeading", "## ", "a##b", 50'000, 2, 0,
+                  text(repeated("ab", 50'000), h2)},
+        // The first "*" and the last backslash are markers; every other pair is an escaped "*".
+        LongInput{"EscapedMarkers", "", "*\\", 1'000'000, 2, 0, text(std::string(999'999, '*'))},
+        LongInput{"EscapedMarkersAfterWords", "", "*a\\", 349'525, 699'050, 1, text("*", italic)},
+        LongInput{"LinkOpenings", "", "[a](", 262'144, 174'763, 1, text("a](")},
+        LongInput{"Brackets", "", "[", 1 << 20, 1, 0, newline()},
+        LongInput{"Hashes", "", "# ", 1 << 19, 1, 0, newline()},
+        LongInput{"Dashes", "", "- ", 1 << 19, 3, 0, text("• ", LineType::body, marker)},
+        LongInput{"Underlines", "", "-\n", 1 << 19, (1 << 19) + 2, 0, text("-", h2)},
+        LongInput{"Headings", "", "a\n=\n", 1 << 18, (1 << 19) + 2, 0, text("a", h1)}),
+    [](const auto& test) { return std::string(test.param.name); });
 
 TEST(StylingRepeatedly, SecondCallGivesTheSameRuns) {
     MarkdownStyler styler("# a\nb *c*\n---\n`d`");
