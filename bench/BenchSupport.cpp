@@ -5,13 +5,26 @@
 #include "storage/PosixFileSystem.h"
 
 #include <algorithm>
+#include <fstream>
+#include <malloc.h>
 #include <stdexcept>
+#include <string>
 #include <sys/resource.h>
 #include <time.h>
 
 namespace quillery::bench {
 
 namespace {
+
+// A "VmRSS:"-style line of /proc/self/status, in bytes.
+std::size_t statusBytes(std::string_view key) {
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line))
+        if (line.starts_with(key))
+            return std::stoull(line.substr(key.size())) * 1024; // reported in kilobytes
+    return 0;
+}
 
 double cpuNow(CpuClock clock) {
     timespec now{};
@@ -45,6 +58,24 @@ double peakMemoryMiB() {
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
     return static_cast<double>(usage.ru_maxrss) / 1024.0; // Linux reports kilobytes
+}
+
+std::size_t residentBytes() {
+    return statusBytes("VmRSS:");
+}
+
+std::size_t peakResidentBytes() {
+    return statusBytes("VmHWM:");
+}
+
+void resetPeakMemory() {
+    ::malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << "5"; // the kernel's reset of the peak
+}
+
+std::size_t heapInUseBytes() {
+    const struct mallinfo2 info = ::mallinfo2();
+    return info.uordblks + info.hblkhd;
 }
 
 std::size_t writeJournal(const std::filesystem::path& package, const Identifier& client,

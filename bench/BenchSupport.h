@@ -42,6 +42,15 @@ private:
 // The process's peak resident memory so far, in MiB.
 double peakMemoryMiB();
 
+// Resident memory of the process now and at its peak since the last resetPeakMemory(), in bytes.
+std::size_t residentBytes();
+std::size_t peakResidentBytes();
+// Hands the allocator's free pages back to the system, then starts a new peak from what is
+// resident, so the next peak is what the work after it added.
+void resetPeakMemory();
+// Bytes the allocator has handed out and not taken back.
+std::size_t heapInUseBytes();
+
 // Writes the records as the client's journal in the package (made if missing); gives its size.
 std::size_t writeJournal(const std::filesystem::path& package, const Identifier& client,
                          const std::vector<DocumentDiff>& diffs);
