@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <sys/mman.h>
 #include <system_error>
 #include <vector>
 
@@ -27,21 +28,39 @@ struct DirectoryEntry {
 // Spare bytes after the end of every file read, so a JSON parser may read past the end safely.
 inline constexpr std::size_t kFileContentsPadding = 64;
 
-// The bytes of a file, followed by kFileContentsPadding bytes of unspecified value.
-struct FileContents {
-    struct Free {
-        void operator()(char* bytes) const { std::free(bytes); }
-    };
-    std::unique_ptr<char[], Free> data;
-    std::size_t size = 0;
+// Gives back the bytes of FileContents: a mapping of the file or memory of its own.
+struct FileBytesRelease {
+    std::size_t mappedBytes = 0; // nonzero for a mapping
+    void operator()(char* bytes) const {
+        if (mappedBytes != 0)
+            ::munmap(bytes, mappedBytes);
+        else
+            std::free(bytes);
+    }
+};
 
-    // Room for a file of this size and the padding after it; throws bad_alloc. A large file is
-    // read in with few page faults.
-    static std::unique_ptr<char[], Free> allocate(std::size_t size) {
-        auto* bytes = static_cast<char*>(allocatePreferringHugePages(size + kFileContentsPadding));
-        if (!bytes)
+// The bytes of a file, followed by kFileContentsPadding bytes of unspecified value. A large file
+// is a private mapping of the file itself: its bytes are the kernel's cached pages, neither copied
+// nor cleared first. Other files are read into memory of this object's own, which a later read
+// into the same object reuses when it is large enough.
+struct FileContents {
+    std::unique_ptr<char[], FileBytesRelease> data;
+    std::size_t size = 0;
+    std::size_t capacity = 0; // the bytes data can take before its padding; 0 for a mapping
+
+    // Room for a file of this size and the padding after it, reusing what is here when it is
+    // large enough; throws bad_alloc. A large file is read in with few page faults.
+    void reserve(std::size_t bytes) {
+        if (data && data.get_deleter().mappedBytes == 0 && capacity >= bytes)
+            return;
+        data.reset();
+        data.get_deleter().mappedBytes = 0;
+        capacity = 0;
+        auto* block = static_cast<char*>(allocatePreferringHugePages(bytes + kFileContentsPadding));
+        if (!block)
             throw std::bad_alloc();
-        return std::unique_ptr<char[], Free>(bytes);
+        data.reset(block);
+        capacity = bytes;
     }
 
     std::string_view view() const { return {data.get(), size}; }

@@ -19,10 +19,10 @@ std::vector<JournalLoader::Journal> JournalLoader::load(const std::filesystem::p
     std::atomic<std::size_t> next = 0;
     auto work = [&] {
         JournalReader reader;
+        FileContents contents; // its memory serves every journal this worker reads
         for (std::size_t i = next++; i < journals.size(); i = next++) {
             Journal& journal = journals[i];
             journal.fileName = fileNames[i];
-            FileContents contents;
             std::error_code error = m_files.readFile(package / journal.fileName, contents);
             // Renamed or removed since the listing (a sync tool replacing it): not a journal now.
             if (error == std::errc::no_such_file_or_directory) {

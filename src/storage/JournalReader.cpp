@@ -321,7 +321,7 @@ std::optional<StorageError> JournalReader::read(std::string_view bytes,
                                                 std::string_view journalName,
                                                 std::vector<DocumentDiff>& diffs) {
     FileContents padded;
-    padded.data = FileContents::allocate(bytes.size());
+    padded.reserve(bytes.size());
     padded.size = bytes.size();
     std::memcpy(padded.data.get(), bytes.data(), bytes.size());
     std::memset(padded.data.get() + bytes.size(), 0, kFileContentsPadding);

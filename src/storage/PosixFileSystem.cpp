@@ -6,6 +6,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -78,6 +79,34 @@ std::error_code openRegularFile(const std::filesystem::path& path, int& fd, std:
     }
     size = static_cast<std::size_t>(info.st_size);
     return {};
+}
+
+// Maps a large file when its padding fits in its last page, which the kernel fills with zeros past
+// the end; a page wholly past the end could not be read. Every writer of journals (this program,
+// sync tools) replaces a file by renaming a new one over it, which leaves a mapping of the old one
+// intact.
+bool mapFile(int fd, std::size_t size, FileContents& contents) {
+    constexpr std::size_t kMapFrom = std::size_t{1} << 20;
+    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    const std::size_t tail = size % page;
+    if (size < kMapFrom || tail == 0 || page - tail < kFileContentsPadding)
+        return false;
+    const std::size_t length = size + kFileContentsPadding;
+    void* mapped =
+        ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_POPULATE, fd, 0);
+    if (mapped == MAP_FAILED)
+        return false;
+    // Cut short since it was opened: read what is there instead.
+    struct stat info {};
+    if (::fstat(fd, &info) != 0 || static_cast<std::size_t>(info.st_size) < size) {
+        ::munmap(mapped, length);
+        return false;
+    }
+    contents.data.reset(static_cast<char*>(mapped));
+    contents.data.get_deleter().mappedBytes = length;
+    contents.size = size;
+    contents.capacity = 0;
+    return true;
 }
 
 class PosixWritableFile : public WritableFile {
@@ -164,7 +193,9 @@ std::error_code PosixFileSystem::readFile(const std::filesystem::path& path,
     if (auto error = openRegularFile(path, rawFd, size))
         return error;
     FileDescriptor fd(rawFd);
-    contents.data = FileContents::allocate(size);
+    if (mapFile(fd.get(), size, contents))
+        return {};
+    contents.reserve(size);
     contents.size = 0;
     // The file may change while it is read: take what is there, up to the size seen at open.
     while (contents.size < size) {
