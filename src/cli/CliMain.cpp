@@ -1,10 +1,13 @@
 #include "cli/Cli.h"
+#include "cli/NotebookSession.h"
 
 #include <iostream>
 #include <unistd.h>
 
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
+    // The process ends with the command: its memory goes back to the system all at once.
+    quillery::cli::NotebookSession::leaveDocumentsToExit();
     return quillery::cli::runCli(arguments, std::cin, std::cout, std::cerr,
                                  ::isatty(STDOUT_FILENO) == 1);
 }

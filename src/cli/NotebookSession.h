@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <iosfwd>
+#include <memory>
 
 namespace quillery::cli {
 
@@ -18,8 +19,15 @@ namespace quillery::cli {
 class NotebookSession {
 public:
     explicit NotebookSession(std::ostream& err);
+    ~NotebookSession();
+    NotebookSession(const NotebookSession&) = delete;
+    NotebookSession& operator=(const NotebookSession&) = delete;
 
-    Document& document() { return m_document; }
+    // From now on the documents of sessions that end are left to the process's exit instead of
+    // being freed: freeing a large tree node by node can take longer than the command did.
+    static void leaveDocumentsToExit();
+
+    Document& document() { return *m_document; }
 
     bool open(const std::filesystem::path& package, package::PackageSummary* summary = nullptr);
     bool saveInPlace();
@@ -36,7 +44,7 @@ private:
     PosixFileSystem m_files;
     JsonFilePreferences m_preferences{m_files};
     HeaderPictureCodec m_codec;
-    Document m_document;
+    std::unique_ptr<Document> m_document;
 };
 
 } // namespace quillery::cli
