@@ -27,9 +27,10 @@ NotebookNode::NotebookNode(Identifier identifier, Identifier parentIdentifier, s
     : m_identifier(std::move(identifier))
     , m_parentIdentifier(std::move(parentIdentifier))
     , m_children(std::move(children))
-    , m_text(std::move(text))
-    , m_imageIdentifier(std::move(imageIdentifier))
-    , m_url(std::move(url)) {
+    , m_text(std::move(text)) {
+    if (imageIdentifier || url)
+        m_extras =
+            std::make_unique<const Extras>(Extras{std::move(imageIdentifier), std::move(url)});
 }
 
 NotebookNode::~NotebookNode() {
@@ -61,6 +62,16 @@ NodePtr NotebookNode::create(Identifier parentIdentifier, std::string text,
                                           std::vector<NodePtr>{}, std::move(url));
 }
 
+const std::optional<Identifier>& NotebookNode::imageIdentifier() const {
+    static const std::optional<Identifier> none;
+    return m_extras ? m_extras->imageIdentifier : none;
+}
+
+const std::optional<std::string>& NotebookNode::url() const {
+    static const std::optional<std::string> none;
+    return m_extras ? m_extras->url : none;
+}
+
 void NotebookNode::setParentIdentifier(Identifier parentIdentifier) {
     m_parentIdentifier = std::move(parentIdentifier);
 }
@@ -82,7 +93,7 @@ std::optional<std::size_t> NotebookNode::indexOfChild(const Identifier& identifi
 }
 
 bool NotebookNode::isEmpty() const {
-    return !m_imageIdentifier && m_text.empty();
+    return !imageIdentifier() && m_text.empty();
 }
 
 PlainDictionary PlainDictionaryFromNotebookNode(const NotebookNode& node) {

@@ -40,7 +40,7 @@ public:
                           std::optional<std::string> url = std::nullopt);
 
     const Identifier& identifier() const { return m_identifier; }
-    const std::optional<Identifier>& imageIdentifier() const { return m_imageIdentifier; }
+    const std::optional<Identifier>& imageIdentifier() const;
 
     const Identifier& parentIdentifier() const { return m_parentIdentifier; }
     void setParentIdentifier(Identifier parentIdentifier);
@@ -48,7 +48,7 @@ public:
     const std::string& text() const { return m_text; }
     void setText(std::string text);
 
-    const std::optional<std::string>& url() const { return m_url; }
+    const std::optional<std::string>& url() const;
 
     const std::vector<NodePtr>& children() const { return m_children; }
     std::vector<NodePtr>& children() { return m_children; }
@@ -68,14 +68,19 @@ public:
     bool isEmpty() const;
 
 private:
+    // What few notes have, kept apart so that every other note is smaller.
+    struct Extras {
+        std::optional<Identifier> imageIdentifier;
+        std::optional<std::string> url;
+    };
+
     // What applying a record reads comes first, so that it shares the object's first cache lines.
     Identifier m_identifier;
     Identifier m_parentIdentifier;
     NotebookNode* m_parentNode = nullptr;
     std::vector<NodePtr> m_children;
     std::string m_text;
-    std::optional<Identifier> m_imageIdentifier;
-    std::optional<std::string> m_url;
+    std::unique_ptr<const Extras> m_extras; // null for a text note without an address
 };
 
 // The node's dictionary form: "identifier", "text", "parent", and "image" and "url" when present.
