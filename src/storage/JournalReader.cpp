@@ -63,6 +63,7 @@ private:
     ondemand::parser m_parser;
     simdjson::dom::parser m_checker;
     std::string m_checkBuffer;
+    std::vector<PlainDictionary::Entry> m_fields; // the payload of the record being read
     std::string m_lastStampText;
     std::optional<TimePoint> m_lastStamp;
 };
@@ -152,8 +153,7 @@ RecordOutcome JournalReader::Parser::readRecord(ondemand::value value,
     // A key given twice counts with its last value, as in the object's dictionary form.
     std::optional<TimePoint> timestamp;
     std::optional<Identifier> identifier;
-    PlainDictionary payload;
-    payload.reserve(4); // a new note's text, parent, neighbour and one more
+    m_fields.clear();
     for (auto field : object) {
         std::string_view key;
         ondemand::value fieldValue;
@@ -167,7 +167,7 @@ RecordOutcome JournalReader::Parser::readRecord(ondemand::value value,
             if (!parsed)
                 return RecordOutcome::badJson;
             if (keep)
-                payload.set(std::move(name), std::move(*parsed));
+                m_fields.emplace_back(std::move(name), std::move(*parsed));
             continue;
         }
         std::string_view text;
@@ -192,6 +192,12 @@ RecordOutcome JournalReader::Parser::readRecord(ondemand::value value,
         return RecordOutcome::ok;
     if (!timestamp || !identifier)
         return RecordOutcome::rejected;
+    // Sized to its keys: a million records kept with room to spare would cost more than the JSON
+    // they came from.
+    PlainDictionary payload;
+    payload.reserve(m_fields.size());
+    for (auto& [name, parsed] : m_fields)
+        payload.set(std::move(name), std::move(parsed));
     diffs.emplace_back(*timestamp, std::move(*identifier), std::move(payload));
     return RecordOutcome::ok;
 }
