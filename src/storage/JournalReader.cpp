@@ -192,13 +192,14 @@ RecordOutcome JournalReader::Parser::readRecord(ondemand::value value,
         return RecordOutcome::ok;
     if (!timestamp || !identifier)
         return RecordOutcome::rejected;
+    const TimePoint stamped = *timestamp;
     // Sized to its keys: a million records kept with room to spare would cost more than the JSON
     // they came from.
     PlainDictionary payload;
     payload.reserve(m_fields.size());
     for (auto& [name, parsed] : m_fields)
         payload.set(std::move(name), std::move(parsed));
-    diffs.emplace_back(*timestamp, std::move(*identifier), std::move(payload));
+    diffs.emplace_back(stamped, std::move(*identifier), std::move(payload));
     return RecordOutcome::ok;
 }
 
