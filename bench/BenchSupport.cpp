@@ -87,8 +87,7 @@ std::size_t writeJournal(const std::filesystem::path& package, const Identifier&
     std::unique_ptr<WritableFile> file;
     if (files.createFile(path, FileAccess::everyone, file))
         throw std::runtime_error("cannot create " + path.string());
-    if (!JournalWriter().write(*file, client, std::chrono::system_clock::now(), diffs) ||
-        file->close())
+    if (!JournalWriter().write(*file, client, CurrentTime(), diffs) || file->close())
         throw std::runtime_error("cannot write " + path.string());
     return std::filesystem::file_size(path);
 }

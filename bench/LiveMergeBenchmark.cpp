@@ -35,7 +35,7 @@ namespace {
 constexpr std::size_t kRecords = 1'000'000;
 constexpr std::size_t kArriving = 1'000;
 constexpr int kClients = 3;
-const TimePoint kStart = std::chrono::system_clock::now() - std::chrono::hours(24 * 30);
+const TimePoint kStart = CurrentTime() - std::chrono::hours(24 * 30);
 // Four records a second, as the generator stamps them.
 constexpr auto kSpan = std::chrono::seconds(kRecords / 4);
 

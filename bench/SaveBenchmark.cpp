@@ -29,11 +29,9 @@ struct LargeNotebook {
 
     LargeNotebook() {
         document = std::make_unique<Document>(preferences);
-        const auto log =
-            testing_support::JournalGenerator(7, testing_support::kMostlyNewNotes)
-                .generate(kRecords, 1,
-                          std::chrono::system_clock::now() - std::chrono::hours(24 * 3))
-                .front();
+        const auto log = testing_support::JournalGenerator(7, testing_support::kMostlyNewNotes)
+                             .generate(kRecords, 1, CurrentTime() - std::chrono::hours(24 * 3))
+                             .front();
         document->loadData(log, log);
         if (package::saveTo(*document, package))
             throw std::runtime_error("first save failed");

@@ -7,7 +7,7 @@
 namespace quillery {
 
 Document::Document(Preferences& preferences, const PictureCodec* pictureCodec, Clock clock)
-    : m_clock(clock ? std::move(clock) : Clock([] { return std::chrono::system_clock::now(); }))
+    : m_clock(clock ? std::move(clock) : Clock(CurrentTime))
     , m_images(pictureCodec) {
     const std::optional<std::string> stored = preferences.string(kClientIdentifierKey);
     const std::optional<std::string> machine = preferences.machineIdentifier();

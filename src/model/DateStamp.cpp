@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <ctime>
 
 namespace quillery {
 
@@ -24,7 +25,20 @@ bool readDigits(std::string_view text, std::size_t at, std::size_t count, int& v
 constexpr std::size_t kDateTimeSize = 19; // yyyy-MM-ddTHH:mm:ss
 constexpr std::array<std::string_view, 3> kZeroOffsetZones = {"GMT", "UTC", "GMT+00:00"};
 
+constexpr sys_days kFirstStampDay{year{1} / January / 1};
+constexpr sys_days kEndOfStamps{year{10000} / January / 1};
+
 } // namespace
+
+TimePoint CurrentTime() {
+    std::timespec now{};
+    std::timespec_get(&now, TIME_UTC);
+    return TimePoint{seconds{now.tv_sec} + floor<microseconds>(nanoseconds{now.tv_nsec})};
+}
+
+bool IsStampable(TimePoint time) {
+    return time >= kFirstStampDay && time < kEndOfStamps;
+}
 
 std::string StringFromDate(TimePoint date) {
     // Calendar arithmetic on system_clock is UTC by definition; no local zone is consulted.
@@ -59,7 +73,7 @@ std::optional<TimePoint> DateFromString(std::string_view text) {
         return std::nullopt;
     const year_month_day ymd{year{yearValue}, month{static_cast<unsigned>(monthValue)},
                              day{static_cast<unsigned>(dayValue)}};
-    if (!ymd.ok() || hour > 23 || minute > 59 || second > 59)
+    if (!ymd.ok() || yearValue < 1 || hour > 23 || minute > 59 || second > 59)
         return std::nullopt;
     return TimePoint{sys_days{ymd} + hours{hour} + minutes{minute} + seconds{second}};
 }

@@ -2,8 +2,6 @@
 
 #include "base/Diagnostics.h"
 
-#include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <simdjson.h>
 #include <string>
@@ -19,17 +17,6 @@ std::string_view trimTrailingSpace(std::string_view text) {
                              text.back() == '\t'))
         text.remove_suffix(1);
     return text;
-}
-
-// Whether a stamp's year can be held by the system clock (nanoseconds either side of 1970, so
-// 1678 to 2261). A stamp beyond is no valid stamp: its record is rejected like any malformed one.
-bool isWithinClockRange(std::string_view stamp) {
-    int year = 0;
-    auto [end, error] =
-        std::from_chars(stamp.data(), stamp.data() + std::min<std::size_t>(4, stamp.size()), year);
-    if (error != std::errc() || end != stamp.data() + 4)
-        return true; // not a year: the stamp parser rejects it
-    return year >= 1678 && year <= 2261;
 }
 
 // How one record read.
@@ -72,7 +59,7 @@ std::optional<TimePoint> JournalReader::Parser::stamp(std::string_view text) {
     // Records come in bursts made within one second; their stamps repeat.
     if (text != m_lastStampText) {
         m_lastStampText.assign(text);
-        m_lastStamp = isWithinClockRange(text) ? DateFromString(text) : std::nullopt;
+        m_lastStamp = DateFromString(text);
     }
     return m_lastStamp;
 }

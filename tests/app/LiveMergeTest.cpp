@@ -21,7 +21,7 @@ protected:
     // minute ahead unless told, so that its record comes after everything in the package.
     void addElsewhere(
         const std::filesystem::path& location, const std::string& text, long at,
-        Document::Clock clock = [] { return std::chrono::system_clock::now() + 1min; }) {
+        Document::Clock clock = [] { return CurrentTime() + 1min; }) {
         InMemoryPreferences elsewhere;
         Document other(elsewhere, &codec, std::move(clock));
         ASSERT_FALSE(package::read(other, location, codec).has_value());
@@ -102,7 +102,7 @@ TEST_F(LiveMergeTest, EarlierNotesAreReplayedAndTheSameColumnsOpenAgain) {
     window.columnRow()->column(1)->selectRow(0);
     QPointer<NoteColumn> before = window.columnRow()->column(0);
 
-    addElsewhere(location, "Old", 0, [] { return std::chrono::system_clock::now() - 24h * 365; });
+    addElsewhere(location, "Old", 0, [] { return CurrentTime() - 24h * 365; });
     merge(window);
 
     // The row is rebuilt over the replayed tree.

@@ -88,9 +88,8 @@ INSTANTIATE_TEST_SUITE_P(
         ReadFailure{"StampWithoutT",
                     journalWith(R"([{"timestamp": "2017-03-04 09:15:02GMT", "identifier": "N"}])"),
                     kOSStatus, -4, "record 1", true},
-        // The system clock holds the years 1678 to 2261 only.
-        ReadFailure{"StampBeyondTheClock",
-                    journalWith(R"([{"timestamp": "4034-03-04T09:15:02GMT", "identifier": "N"}])"),
+        ReadFailure{"StampOfYearZero",
+                    journalWith(R"([{"timestamp": "0000-03-04T09:15:02GMT", "identifier": "N"}])"),
                     kOSStatus, -4, "record 1", true},
         ReadFailure{"BadRecordAmongGood",
                     journalWith("[" + record() + R"(, {"identifier": "N2"}, )" + record() + "]"),

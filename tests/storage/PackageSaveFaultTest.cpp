@@ -44,7 +44,7 @@ protected:
         std::filesystem::path target =
             GetParam().kind == SaveKind::inPlace ? package : directory.path() / "Copy.quillery";
         // Each client edits in its own second, so the merged order is the order of editing.
-        TimePoint now = std::chrono::system_clock::now();
+        TimePoint now = CurrentTime();
         Client a(kClientA, [&] { return now; }), b(kClientB, [&] { return now; });
         a.addNote("old note");
         a.addPictureNote("old picture");

@@ -194,9 +194,7 @@ struct LiveCase {
 class LiveMerge : public SyncFolderTest, public ::testing::WithParamInterface<LiveCase> {};
 
 TEST_P(LiveMerge, NewRecordsJoinTheOpenNotebookInPlaceOrByAReplay) {
-    Client b(kClientB, [] {
-        return std::chrono::system_clock::now() + std::chrono::hours(GetParam().clockHours);
-    });
+    Client b(kClientB, [] { return CurrentTime() + std::chrono::hours(GetParam().clockHours); });
     expectOk(package::read(*b.document, m_package, b.codec));
     b.addNote("from B");
     expectOk(package::saveInPlace(*b.document));
