@@ -1,7 +1,9 @@
 #include "model/JournalMerge.h"
 
 #include <algorithm>
+#include <functional>
 #include <unordered_map>
+#include <utility>
 
 namespace quillery {
 
@@ -31,11 +33,12 @@ struct Tagged {
 };
 
 // Keeps, among records of one second, each record as often as the journal that holds it most.
-void keepEachOnce(std::vector<Tagged>& group, std::size_t journalCount,
-                  std::vector<DocumentDiff>& out) {
+void keepEachOnce(std::vector<Tagged>& group, std::vector<DocumentDiff>& out) {
     struct Seen {
         std::size_t first;
-        std::vector<std::size_t> perJournal;
+        std::size_t most = 0;
+        // How often each journal holding the record holds it; few do, of however many copies.
+        std::unordered_map<std::size_t, std::size_t> perJournal;
     };
     std::unordered_multimap<std::size_t, Seen> seen;
     for (std::size_t i = 0; i < group.size(); ++i) {
@@ -46,11 +49,12 @@ void keepEachOnce(std::vector<Tagged>& group, std::size_t journalCount,
             if (sameRecord(group[it->second.first].diff, group[i].diff))
                 entry = &it->second;
         if (!entry)
-            entry = &seen.emplace(hash, Seen{i, std::vector<std::size_t>(journalCount, 0)})->second;
-        const std::size_t kept =
-            *std::max_element(entry->perJournal.begin(), entry->perJournal.end());
-        if (++entry->perJournal[group[i].journal] > kept)
+            entry = &seen.emplace(hash, Seen{i, 0, {}})->second;
+        const std::size_t count = ++entry->perJournal[group[i].journal];
+        if (count > entry->most) {
+            entry->most = count;
             out.push_back(group[i].diff);
+        }
     }
 }
 
@@ -91,14 +95,30 @@ MergedDiffsFromArrayOfDiffs(std::vector<std::vector<DocumentDiff>> diffs) {
         std::stable_sort(merged.begin(), merged.end(), earlier);
         return merged;
     }
+    // The journals ordered by their next record, ties going to the earlier journal, so that many
+    // journals merge in n log k steps; each journal gives its whole run of records that come
+    // before every other journal's next one at once.
+    using Head = std::pair<TimePoint, std::size_t>;
+    const auto later = std::greater<Head>();
+    std::vector<Head> heads;
+    for (std::size_t j = 0; j < diffs.size(); ++j)
+        if (!diffs[j].empty())
+            heads.emplace_back(diffs[j].front().timestamp, j);
+    std::make_heap(heads.begin(), heads.end(), later);
     std::vector<std::size_t> next(diffs.size(), 0);
-    while (merged.size() < total) {
-        std::size_t pick = diffs.size();
-        for (std::size_t j = 0; j < diffs.size(); ++j)
-            if (next[j] < diffs[j].size() &&
-                (pick == diffs.size() || earlier(diffs[j][next[j]], diffs[pick][next[pick]])))
-                pick = j;
-        merged.push_back(std::move(diffs[pick][next[pick]++]));
+    while (!heads.empty()) {
+        std::pop_heap(heads.begin(), heads.end(), later);
+        const std::size_t j = heads.back().second;
+        heads.pop_back();
+        std::vector<DocumentDiff>& journal = diffs[j];
+        do
+            merged.push_back(std::move(journal[next[j]++]));
+        while (next[j] < journal.size() &&
+               (heads.empty() || Head(journal[next[j]].timestamp, j) < heads.front()));
+        if (next[j] < journal.size()) {
+            heads.emplace_back(journal[next[j]].timestamp, j);
+            std::push_heap(heads.begin(), heads.end(), later);
+        }
     }
     return merged;
 }
@@ -126,7 +146,7 @@ std::vector<DocumentDiff> UnionOfJournals(std::vector<std::vector<DocumentDiff>>
         if (i + 1 < tagged.size() && WholeSeconds(tagged[i + 1].diff.timestamp) ==
                                          WholeSeconds(group.front().diff.timestamp))
             continue;
-        keepEachOnce(group, journals.size(), merged);
+        keepEachOnce(group, merged);
         group.clear();
     }
     return merged;
