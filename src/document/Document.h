@@ -190,6 +190,10 @@ public:
     // Where the package lives; absent until the document was read from or saved to disk.
     const std::optional<std::filesystem::path>& fileLocation() const { return m_fileLocation; }
     void setFileLocation(std::optional<std::filesystem::path> location);
+    // The package folder this document was read from or last saved to, so that a save finds out
+    // when the folder at its location is no longer that one (moved, deleted, replaced).
+    const std::optional<FileIdentity>& packageIdentity() const { return m_packageIdentity; }
+    void setPackageIdentity(std::optional<FileIdentity> identity) { m_packageIdentity = identity; }
 
 private:
     friend class ReplayRun;
@@ -264,6 +268,7 @@ private:
     ImageStore m_images;
     DeletionOrigins m_deletionOrigins;
     std::optional<std::filesystem::path> m_fileLocation;
+    std::optional<FileIdentity> m_packageIdentity;
     UndoManager* m_undoManager = nullptr;
     std::function<void(UndoObstacle)> m_undoRefused;
     std::int64_t m_changeCount = 0;

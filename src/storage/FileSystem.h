@@ -4,6 +4,7 @@
 #include "base/HugePageAllocator.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -103,8 +104,11 @@ public:
     // path is a link.
     virtual std::error_code listDirectory(const std::filesystem::path& path,
                                           std::vector<DirectoryEntry>& entries) = 0;
-    // Reads a whole regular file; fails on a link or anything but a regular file.
-    virtual std::error_code readFile(const std::filesystem::path& path, FileContents& contents) = 0;
+    // Reads a whole regular file; fails on a link or anything but a regular file, and with
+    // std::errc::file_too_large, before anything is read, on a file of more than `sizeLimit`
+    // bytes.
+    virtual std::error_code readFile(const std::filesystem::path& path, FileContents& contents,
+                                     std::uint64_t sizeLimit) = 0;
     // Creates a new file; fails when anything (also a dangling link) is already there.
     virtual std::error_code createFile(const std::filesystem::path& path, FileAccess access,
                                        std::unique_ptr<WritableFile>& file) = 0;
@@ -132,6 +136,12 @@ public:
     virtual std::filesystem::path resolvedLink(const std::filesystem::path& path) = 0;
     // The entry itself (links are not followed); nothing when it is missing.
     virtual std::optional<FileIdentity> identity(const std::filesystem::path& path) = 0;
+    // Copies the permission bits of the entry at `from` to the file at `to`.
+    virtual std::error_code copyPermissions(const std::filesystem::path& from,
+                                            const std::filesystem::path& to) = 0;
+    // The bytes of memory the machine can give this process without swapping; the largest value
+    // when that is unknown.
+    virtual std::uint64_t availableMemory() = 0;
     // Waits for an exclusive lock on the file, making it and its folder when missing.
     virtual std::error_code lockExclusively(const std::filesystem::path& path,
                                             std::unique_ptr<FileLock>& lock) = 0;

@@ -1,6 +1,7 @@
 #include "storage/JournalChanges.h"
 
 #include "storage/FileSystem.h"
+#include "storage/JournalFile.h"
 #include "storage/JournalReader.h"
 #include "storage/PackageLayout.h"
 
@@ -36,15 +37,14 @@ JournalChanges readJournalChanges(const std::filesystem::path& package,
         if (known != identities.end() && known->second == *identity)
             continue;
         FileContents contents;
-        std::error_code error = files.readFile(package / name, contents);
-        if (error == std::errc::no_such_file_or_directory) {
+        bool vanished = false;
+        if (auto error = readJournalFile(files, package, name, contents, vanished)) {
+            changes.error = std::move(error);
+            return changes;
+        }
+        if (vanished) {
             changes.identities.erase(name);
             continue;
-        }
-        if (error) {
-            changes.error = storage_errors::fromFileError(
-                error, false, "Couldn't read the journal “" + name + "”");
-            return changes;
         }
         std::vector<DocumentDiff> diffs;
         if (contents.size > 0)

@@ -1,6 +1,7 @@
 #include "storage/JournalLoader.h"
 
 #include "storage/FileSystem.h"
+#include "storage/JournalFile.h"
 #include "storage/JournalReader.h"
 
 #include <algorithm>
@@ -23,23 +24,22 @@ std::vector<JournalLoader::Journal> JournalLoader::load(const std::filesystem::p
         for (std::size_t i = next++; i < journals.size(); i = next++) {
             Journal& journal = journals[i];
             journal.fileName = fileNames[i];
-            std::error_code error = m_files.readFile(package / journal.fileName, contents);
-            // Renamed or removed since the listing (a sync tool replacing it): not a journal now.
-            if (error == std::errc::no_such_file_or_directory) {
-                journal.empty = true;
-                continue;
+            try {
+                bool vanished = false;
+                journal.error =
+                    readJournalFile(m_files, package, journal.fileName, contents, vanished);
+                // Renamed or removed since the listing (a sync tool replacing it): not a journal
+                // now.
+                journal.empty = vanished || (!journal.error && contents.size == 0);
+                if (journal.empty || journal.error)
+                    continue;
+                auto outcome = reader.parse(contents, journal.fileName, journal.diffs);
+                journal.error = std::move(outcome.error);
+                journal.rejectedRecord = outcome.rejectedRecord;
+            } catch (const std::bad_alloc&) {
+                journal.diffs = {};
+                journal.error = journalOutOfMemory(journal.fileName);
             }
-            if (error) {
-                journal.error = storage_errors::fromFileError(
-                    error, false, "Couldn't read the journal “" + journal.fileName + "”");
-                continue;
-            }
-            journal.empty = contents.size == 0;
-            if (journal.empty)
-                continue;
-            auto outcome = reader.parse(contents, journal.fileName, journal.diffs);
-            journal.error = std::move(outcome.error);
-            journal.rejectedRecord = outcome.rejectedRecord;
         }
     };
     // One reader per processor: each holds a whole journal and its parser's index in memory.

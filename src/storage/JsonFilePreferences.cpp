@@ -12,6 +12,10 @@ namespace quillery {
 
 namespace {
 
+// Preferences are a few keys; a larger file is no preferences file and reads as damaged.
+constexpr std::uint64_t kMaximumFileSize = 16 << 20;
+constexpr std::uint64_t kMaximumMachineFileSize = 4096;
+
 void reportFailure(const std::filesystem::path& file, const std::string& what) {
     diagnostics::writeLine("Couldn't save preferences to " + file.string() + ": " + what);
 }
@@ -24,7 +28,7 @@ JsonFilePreferences::JsonFilePreferences(FileSystem& files, std::filesystem::pat
     , m_file(std::move(file)) {
     m_entries = load().value_or(Entries{});
     FileContents machine;
-    if (!m_files.readFile(m_files.resolvedLink(machineFile), machine)) {
+    if (!m_files.readFile(m_files.resolvedLink(machineFile), machine, kMaximumMachineFileSize)) {
         const std::string_view text = machine.view();
         const std::string_view line = text.substr(0, text.find('\n'));
         if (!line.empty())
@@ -86,7 +90,7 @@ std::optional<JsonFilePreferences::Entries> JsonFilePreferences::load() {
     if (type == EntryType::missing || type == EntryType::symbolicLink)
         return Entries{};
     FileContents contents;
-    if (m_files.readFile(file, contents))
+    if (m_files.readFile(file, contents, kMaximumFileSize))
         return std::nullopt;
     simdjson::dom::parser parser;
     simdjson::dom::object object;

@@ -5,7 +5,29 @@
 #include "storage/PackageWriter.h"
 #include "storage/PosixFileSystem.h"
 
+#include <new>
+
 namespace quillery::package {
+
+namespace {
+
+// A package may hold more than memory takes (journals that passed the size check but whose
+// notes do not fit): the open fails with an error instead of ending the program.
+std::optional<StorageError> readWithinMemory(PackageReader reader, Document& document,
+                                             const std::filesystem::path& location,
+                                             PackageSummary* summary,
+                                             const std::vector<DocumentDiff>* ownRecords) {
+    try {
+        return reader.read(document, location, summary, ownRecords);
+    } catch (const std::bad_alloc&) {
+        return StorageError{std::string(storage_errors::kCocoaDomain),
+                            storage_errors::kReadTooLarge,
+                            "There is not enough memory to open the notebook “" +
+                                location.filename().string() + "”."};
+    }
+}
+
+} // namespace
 
 std::optional<StorageError> read(Document& document, const std::filesystem::path& location,
                                  const PictureCodec& codec) {
@@ -26,14 +48,14 @@ std::optional<StorageError> saveTo(Document& document, const std::filesystem::pa
 std::optional<StorageError> read(Document& document, const std::filesystem::path& location,
                                  const PictureCodec& codec, FileSystem& files,
                                  PackageSummary* summary) {
-    return PackageReader(files, codec).read(document, location, summary);
+    return readWithinMemory(PackageReader(files, codec), document, location, summary, nullptr);
 }
 
 std::optional<StorageError> replay(Document& fresh, const std::filesystem::path& location,
                                    const PictureCodec& codec,
                                    const std::vector<DocumentDiff>& ownRecords) {
     PosixFileSystem files;
-    return PackageReader(files, codec).read(fresh, location, nullptr, &ownRecords);
+    return readWithinMemory(PackageReader(files, codec), fresh, location, nullptr, &ownRecords);
 }
 
 std::optional<StorageError> saveInPlace(Document& document, FileSystem& files) {

@@ -59,6 +59,10 @@ std::string buildingDirectoryName(std::string_view packageName, const Identifier
     return joined({".", packageName, ".", random.toString(), kTemporarySuffix});
 }
 
+std::string asideName(std::string_view fileName, const Identifier& random) {
+    return joined({fileName, ".", random.toString(), ".aside"});
+}
+
 bool isOwnTemporaryName(std::string_view fileName, const Identifier& client) {
     std::string prefix = joined({".", client.toString()});
     return isTemporaryName(fileName) && fileName.starts_with(prefix) &&

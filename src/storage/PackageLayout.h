@@ -39,6 +39,9 @@ bool isTemporaryName(std::string_view fileName);
 // A complete package is built beside its target under ".<package name>.<random>.quillery-tmp".
 std::string buildingDirectoryPrefix(std::string_view packageName);
 std::string buildingDirectoryName(std::string_view packageName, const Identifier& random);
+// Where a stray entry in the way of a temporary file (a folder) is moved: "<name>.<random>.aside",
+// which no reader takes for a journal, a picture or a temporary file.
+std::string asideName(std::string_view fileName, const Identifier& random);
 // Whether the temporary file was made by this client (so it may be cleared: nobody else is
 // writing it).
 bool isOwnTemporaryName(std::string_view fileName, const Identifier& client);

@@ -5,11 +5,13 @@
 #include "document/PictureCodec.h"
 #include "model/JournalMerge.h"
 #include "storage/FileSystem.h"
+#include "storage/JournalFile.h"
 #include "storage/JournalLoader.h"
 #include "storage/PackageLayout.h"
 
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 
 namespace quillery {
 
@@ -50,7 +52,7 @@ void PackageReader::indexPictures(Document& document, const std::filesystem::pat
         if (entry.type != EntryType::regularFile || package_layout::isTemporaryName(entry.name))
             continue;
         FileContents contents;
-        if (m_files.readFile(imagesLocation / entry.name, contents))
+        if (m_files.readFile(imagesLocation / entry.name, contents, kMaximumJournalSize))
             continue;
         PicturePtr picture = m_codec.decode(
             {reinterpret_cast<const std::uint8_t*>(contents.data.get()), contents.size});
@@ -86,6 +88,7 @@ std::optional<StorageError> PackageReader::read(Document& document,
 
     if (auto error = package::checkNotebookFolder(location, m_files))
         return error;
+    document.setPackageIdentity(m_files.identity(package));
     std::vector<DirectoryEntry> entries;
     if (auto error = m_files.listDirectory(package, entries))
         return storage_errors::fromFileError(error, false,
@@ -107,8 +110,15 @@ std::optional<StorageError> PackageReader::read(Document& document,
     const std::string ownJournal = journalFileName(document.clientIdentifier());
     // Copies of one client's journal (conflict copies, a home folder copied to a second machine)
     // share their records; each record is applied once.
-    std::vector<std::string> clients;
+    // The copies of each client's journal, by the client's place in `copies`.
+    std::unordered_map<std::string, std::size_t> clients;
     std::vector<std::vector<std::vector<DocumentDiff>>> copies;
+    auto copiesOf = [&](std::string_view client) -> std::vector<std::vector<DocumentDiff>>& {
+        auto [place, added] = clients.try_emplace(std::string(client), copies.size());
+        if (added)
+            copies.emplace_back();
+        return copies[place->second];
+    };
     std::vector<DocumentDiff> ownDiffs;
     TimePoint latest{};
     std::string latestJournal;
@@ -132,26 +142,11 @@ std::optional<StorageError> PackageReader::read(Document& document,
             ownDiffs = journal.diffs;
         document.setJournalMark(journal.fileName, markOf(journal.diffs, journal.diffs.size()));
         noteLatest(journal, latest, latestJournal);
-        std::string_view client = package_layout::journalClientKey(journal.fileName);
-        auto known = std::find(clients.begin(), clients.end(), client);
-        if (known == clients.end()) {
-            clients.emplace_back(client);
-            copies.emplace_back();
-            known = clients.end() - 1;
-        }
-        copies[static_cast<std::size_t>(known - clients.begin())].push_back(
-            std::move(journal.diffs));
+        copiesOf(package_layout::journalClientKey(journal.fileName))
+            .push_back(std::move(journal.diffs));
     }
-    if (ownRecords) {
-        const std::string client = document.clientIdentifier().toString();
-        auto own = std::find(clients.begin(), clients.end(), client);
-        if (own == clients.end()) {
-            clients.push_back(client);
-            copies.emplace_back();
-            own = clients.end() - 1;
-        }
-        copies[static_cast<std::size_t>(own - clients.begin())].push_back(*ownRecords);
-    }
+    if (ownRecords)
+        copiesOf(document.clientIdentifier().toString()).push_back(*ownRecords);
     std::vector<std::vector<DocumentDiff>> journals;
     journals.reserve(copies.size());
     for (auto& ofOneClient : copies)

@@ -3,6 +3,7 @@
 #include "base/Diagnostics.h"
 #include "document/Document.h"
 #include "storage/FileSystem.h"
+#include "storage/JournalFile.h"
 #include "storage/JournalReader.h"
 #include "storage/PackageLayout.h"
 
@@ -45,6 +46,28 @@ bool sameLocation(FileSystem& files, const std::filesystem::path& a,
     return first && second && first->device == second->device && first->inode == second->inode;
 }
 
+// Stamps show the years 0001 to 9999: a clock beyond them, or a change made while it was, is
+// refused before anything is written, rather than written as a wrong year.
+std::optional<StorageError> checkStamps(const Document& document) {
+    auto outside = [](TimePoint time) -> std::optional<StorageError> {
+        if (IsStampable(time))
+            return std::nullopt;
+        const std::string when =
+            time < TimePoint{} ? "before the year 0001" : "after the year 9999";
+        return StorageError{std::string(storage_errors::kCocoaDomain),
+                            storage_errors::kWriteUnknown,
+                            "Couldn't save: the clock reads a time " + when +
+                                ", which a notebook cannot record. Nothing was saved; set the "
+                                "clock right, then save again."};
+    };
+    if (auto error = outside(document.now()))
+        return error;
+    for (const DocumentDiff& diff : document.diffs())
+        if (auto error = outside(diff.timestamp))
+            return error;
+    return std::nullopt;
+}
+
 } // namespace
 
 PackageWriter::PackageWriter(FileSystem& files)
@@ -83,6 +106,33 @@ void PackageWriter::clearOwnTemporaryFiles(const Identifier& client,
             m_files.removeFile(directory / entry.name);
 }
 
+std::error_code PackageWriter::clearTemporaryPath(const std::filesystem::path& path) {
+    m_files.removeFile(path);
+    if (m_files.entryType(path) == EntryType::missing)
+        return {};
+    return m_files.rename(path,
+                          path.parent_path() / package_layout::asideName(path.filename().string(),
+                                                                         Identifier::makeRandom()));
+}
+
+std::optional<StorageError> PackageWriter::checkSamePackage(const Document& document,
+                                                            const std::filesystem::path& package) {
+    const std::filesystem::path& location = *document.fileLocation();
+    const std::optional<FileIdentity> opened = document.packageIdentity();
+    const std::optional<FileIdentity> now = m_files.identity(package);
+    const bool gone = !now;
+    if (!gone && (!opened || (opened->device == now->device && opened->inode == now->inode)))
+        return std::nullopt;
+    const std::string what = gone ? " is no longer at " + location.string() +
+                                        ": it was moved, renamed or deleted while open"
+                                  : " at " + location.string() +
+                                        " is another folder than the one opened: it was "
+                                        "replaced while open";
+    return StorageError{std::string(storage_errors::kCocoaDomain), storage_errors::kNoSuchPackage,
+                        "The notebook " + quoted(location) + what +
+                            ". Nothing was saved there; save it elsewhere to keep the changes."};
+}
+
 std::optional<StorageError>
 PackageWriter::writeNewPictures(Document& document, const std::filesystem::path& imagesLocation,
                                 const std::set<std::string>& onDisk, bool throughTemporaryFiles) {
@@ -103,7 +153,10 @@ PackageWriter::writeNewPictures(Document& document, const std::filesystem::path&
                                          : target;
         std::string what = "Couldn't write the picture “" + name + "”";
         std::unique_ptr<WritableFile> file;
-        std::error_code error = m_files.createFile(path, FileAccess::everyone, file);
+        std::error_code error =
+            throughTemporaryFiles ? clearTemporaryPath(path) : std::error_code{};
+        if (!error)
+            error = m_files.createFile(path, FileAccess::everyone, file);
         if (!error)
             error = file->append(
                 {reinterpret_cast<const char*>(picture.data.data()), picture.data.size()});
@@ -158,12 +211,11 @@ PackageWriter::mergeOwnJournal(Document& document, const std::filesystem::path& 
     JournalReader reader;
     for (const std::string& name : names) {
         FileContents contents;
-        std::error_code error = m_files.readFile(package / name, contents);
-        if (error == std::errc::no_such_file_or_directory)
+        bool vanished = false;
+        if (auto error = readJournalFile(m_files, package, name, contents, vanished))
+            return error;
+        if (vanished)
             continue;
-        if (error)
-            return storage_errors::fromFileError(error, false,
-                                                 "Couldn't read the journal “" + name + "”");
         std::vector<DocumentDiff> diffs;
         if (contents.size > 0) {
             // A damaged own journal stops the save, so that its records are not written over;
@@ -187,7 +239,8 @@ std::optional<StorageError> PackageWriter::writeJournal(Document& document,
                                                         const std::filesystem::path& path) {
     std::string what =
         "Couldn't write the journal “" + journalFileName(document.clientIdentifier()) + "”";
-    m_files.removeFile(path);
+    if (auto error = clearTemporaryPath(path))
+        return writeError(error, what);
     std::unique_ptr<WritableFile> file;
     if (auto error = m_files.createFile(path, FileAccess::everyone, file))
         return writeError(error, what);
@@ -222,12 +275,13 @@ std::optional<StorageError> PackageWriter::saveInPlace(Document& document) {
         return StorageError{std::string(storage_errors::kCocoaDomain),
                             storage_errors::kWriteUnknown,
                             "The notebook has not been saved yet; choose where to save it."};
+    if (auto error = checkStamps(document))
+        return error;
     const std::filesystem::path location = *document.fileLocation();
     const std::filesystem::path package = m_files.resolvedLink(location);
-    EntryType type = m_files.entryType(package);
-    if (type == EntryType::missing)
-        return saveTo(document, location); // moved or deleted meanwhile: write it anew
-    if (type != EntryType::directory)
+    if (auto error = checkSamePackage(document, package))
+        return error;
+    if (m_files.entryType(package) != EntryType::directory)
         return StorageError{std::string(storage_errors::kCocoaDomain),
                             storage_errors::kWriteUnknown,
                             "Couldn't save: " + quoted(location) + " is not a notebook package."};
@@ -235,6 +289,14 @@ std::optional<StorageError> PackageWriter::saveInPlace(Document& document) {
     if (auto error = package::checkNotebookFolder(location, m_files))
         return error;
     const Identifier& client = document.clientIdentifier();
+    const std::string journalName = journalFileName(client);
+    if (m_files.entryType(package / journalName) == EntryType::symbolicLink)
+        return StorageError{std::string(storage_errors::kCocoaDomain),
+                            storage_errors::kWriteUnknown,
+                            "Couldn't save: this installation's journal “" + journalName + "” in " +
+                                quoted(location) +
+                                " is a symbolic link, which is never written through or "
+                                "replaced. Put the journal itself in its place, then save again."};
     // The whole save is one step among this client's writers on this machine: they share the
     // temporary names, and the journal is read, merged and written without another writer in
     // between, so what another process added to it is kept.
@@ -268,7 +330,8 @@ std::optional<StorageError> PackageWriter::saveInPlace(Document& document) {
     const std::filesystem::path temporary = package / package_layout::temporaryJournalName(client);
     if (auto error = writeJournal(document, temporary))
         return error;
-    std::string journalName = journalFileName(client);
+    // Kept where they can be: a journal only its owner may read stays so.
+    m_files.copyPermissions(package / journalName, temporary);
     if (auto error = m_files.rename(temporary, package / journalName)) {
         m_files.removeFile(temporary);
         return writeError(error, "Couldn't replace the journal “" + journalName + "”");
@@ -346,8 +409,11 @@ std::optional<StorageError> PackageWriter::carryOver(Document& document,
 
 std::optional<StorageError> PackageWriter::saveTo(Document& document,
                                                   const std::filesystem::path& location) {
+    if (auto error = checkStamps(document))
+        return error;
     const auto& current = document.fileLocation();
-    if (current && sameLocation(m_files, *current, location))
+    if (current && sameLocation(m_files, *current, location) &&
+        !checkSamePackage(document, m_files.resolvedLink(*current)))
         return saveInPlace(document);
     if (auto error = package::checkNotebookFolder(location, m_files))
         return error;
@@ -387,6 +453,7 @@ std::optional<StorageError> PackageWriter::saveTo(Document& document,
         return writeError(syncError, "Couldn't save the notebook " + quoted(location));
     bool hadLocation = current.has_value();
     document.setFileLocation(location);
+    document.setPackageIdentity(m_files.identity(m_files.resolvedLink(location)));
     document.setOwnJournalIdentity(m_files.identity(m_files.resolvedLink(location) /
                                                     journalFileName(document.clientIdentifier())));
     finishSave(document, hadLocation);

@@ -11,11 +11,17 @@ class FileSystem;
 
 // Saves a document as a package.
 //
+// Nothing is written when the clock or a change to save lies outside the years 0001 to 9999,
+// which stamps cannot show.
+//
 // In place: new pictures first (each written to a temporary file, flushed and renamed), then this
 // client's journal to a temporary file that no reader takes for a journal, flushed, renamed over
 // the old journal, and the directory flushed. Nothing else in the package is touched, so another
 // client saving into the same package at the same moment loses nothing, and a save that stops
-// part-way leaves the previous journal in place.
+// part-way leaves the previous journal in place. The journal keeps its permission bits. The
+// package must still be the folder the document was read from or saved to: one that was moved,
+// deleted or replaced is never written (so never rebuilt from this client's journal alone), and
+// this client's journal must not be a link.
 //
 // To a new location: the complete package is built in a hidden directory beside the target
 // (journal, new pictures, and every picture and top-level regular file of the current package
@@ -52,6 +58,13 @@ private:
     std::optional<StorageError> buildPackage(Document& document,
                                              const std::filesystem::path& directory);
     void clearOwnTemporaryFiles(const Identifier& client, const std::filesystem::path& directory);
+    // Makes way for a temporary file at `path`: a file or link there is a leftover of this
+    // client's and goes; anything else (a folder) is renamed aside, as it may hold someone's data.
+    std::error_code clearTemporaryPath(const std::filesystem::path& path);
+    // Whether the folder at the document's location is the package it was read from or last
+    // saved to.
+    std::optional<StorageError> checkSamePackage(const Document& document,
+                                                 const std::filesystem::path& package);
     void finishSave(Document& document, bool hadLocation);
 
     FileSystem& m_files;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <limits>
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -186,13 +187,15 @@ std::error_code PosixFileSystem::listDirectory(const std::filesystem::path& path
     return error;
 }
 
-std::error_code PosixFileSystem::readFile(const std::filesystem::path& path,
-                                          FileContents& contents) {
+std::error_code PosixFileSystem::readFile(const std::filesystem::path& path, FileContents& contents,
+                                          std::uint64_t sizeLimit) {
     int rawFd = -1;
     std::size_t size = 0;
     if (auto error = openRegularFile(path, rawFd, size))
         return error;
     FileDescriptor fd(rawFd);
+    if (size > sizeLimit)
+        return std::make_error_code(std::errc::file_too_large);
     if (mapFile(fd.get(), size, contents))
         return {};
     contents.reserve(size);
@@ -325,6 +328,33 @@ std::optional<FileIdentity> PosixFileSystem::identity(const std::filesystem::pat
     return FileIdentity{static_cast<std::uint64_t>(info.st_dev),
                         static_cast<std::uint64_t>(info.st_ino), info.st_size,
                         info.st_mtim.tv_sec * 1'000'000'000 + info.st_mtim.tv_nsec};
+}
+
+std::error_code PosixFileSystem::copyPermissions(const std::filesystem::path& from,
+                                                 const std::filesystem::path& to) {
+    struct stat info {};
+    if (::lstat(from.c_str(), &info) != 0)
+        return lastError();
+    return ::chmod(to.c_str(), info.st_mode & 07777) == 0 ? std::error_code{} : lastError();
+}
+
+std::uint64_t PosixFileSystem::availableMemory() {
+    // MemAvailable counts the caches the kernel would give up too, which free pages alone miss.
+    if (std::FILE* meminfo = std::fopen("/proc/meminfo", "re")) {
+        char line[256];
+        unsigned long long kibibytes = 0;
+        bool found = false;
+        while (!found && std::fgets(line, sizeof line, meminfo))
+            found = std::sscanf(line, "MemAvailable: %llu kB", &kibibytes) == 1;
+        std::fclose(meminfo);
+        if (found)
+            return std::uint64_t{kibibytes} * 1024;
+    }
+    const long pages = ::sysconf(_SC_AVPHYS_PAGES);
+    const long pageSize = ::sysconf(_SC_PAGESIZE);
+    if (pages > 0 && pageSize > 0)
+        return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize);
+    return std::numeric_limits<std::uint64_t>::max();
 }
 
 std::error_code PosixFileSystem::lockExclusively(const std::filesystem::path& path,

@@ -26,6 +26,10 @@ inline constexpr long kReadUnknown = 256;
 inline constexpr long kReadNoPermission = 257;
 inline constexpr long kReadNoSuchFile = 260;
 inline constexpr long kReadCorruptFile = 259;
+// A journal larger than may be read, or than the memory available.
+inline constexpr long kReadTooLarge = 263;
+// The package is no longer at its location: moved, deleted or replaced since it was opened.
+inline constexpr long kNoSuchPackage = 4;
 inline constexpr long kWriteUnknown = 512;
 inline constexpr long kWriteNoPermission = 513;
 inline constexpr long kWriteOutOfSpace = 640;

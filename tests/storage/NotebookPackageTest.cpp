@@ -4,9 +4,12 @@
 #include "base/Diagnostics.h"
 #include "storage/PosixFileSystem.h"
 
+#include <algorithm>
 #include <chrono>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
 
 namespace quillery::testing {
 namespace {
@@ -340,6 +343,168 @@ TEST_F(NotebookPackageTest, SavesThatCannotBeMadeFailAndKeepTheOldJournal) {
     EXPECT_EQ(error->code, 3851);
     EXPECT_EQ(readText(m_package / journalOf(kClientA)), before);
     EXPECT_THAT(entryNames(m_package), ElementsAre(journalOf(kClientA), "images"));
+}
+
+// The file layer with little memory left, or none at all for a journal's bytes.
+class ScarceMemoryFileSystem : public PosixFileSystem {
+public:
+    explicit ScarceMemoryFileSystem(bool throwing)
+        : m_throwing(throwing) {}
+    std::uint64_t availableMemory() override { return 64 << 20; }
+    std::error_code readFile(const std::filesystem::path& path, FileContents& contents,
+                             std::uint64_t sizeLimit) override {
+        if (m_throwing && path.extension() == ".journal")
+            throw std::bad_alloc();
+        return PosixFileSystem::readFile(path, contents, sizeLimit);
+    }
+
+private:
+    bool m_throwing;
+};
+
+// A journal too large to read is refused by its size (a sparse file: nothing is read), and one
+// memory runs out for is an error, never the end of the program.
+TEST_F(NotebookPackageTest, AJournalTooLargeForMemoryIsRefusedNamingIt) {
+    struct Case {
+        std::uintmax_t size;
+        bool scarce;
+        bool throwing;
+        const char* reason;
+    };
+    save(m_a, m_package);
+    for (const auto& [size, scarce, throwing, reason] :
+         {Case{std::uintmax_t{3} << 30, false, false, "3.0 GiB, more than the 2.0 GiB a journal"},
+          Case{std::uintmax_t{100} << 20, true, false, "more than the 0.1 GiB of memory"},
+          Case{10, true, true, "not enough memory to read the journal"}}) {
+        std::filesystem::resize_file(m_package / journalOf(kClientA), size);
+        PosixFileSystem plain;
+        ScarceMemoryFileSystem scarceFiles(throwing);
+        m_a.reopen();
+        auto error = package::read(*m_a.document, m_package, m_a.codec,
+                                   scarce ? static_cast<FileSystem&>(scarceFiles) : plain);
+        ASSERT_TRUE(error) << reason;
+        EXPECT_EQ(error->code, 263);
+        EXPECT_THAT(error->message, HasSubstr("“" + journalOf(kClientA) + "”"));
+        EXPECT_THAT(error->message, HasSubstr(reason));
+    }
+}
+
+// What happens to the package between opening and saving, and the error the save gives instead
+// of writing anything: no package is made anew and the journal on disk stays as it was.
+struct RefusedSaveCase {
+    const char* name;
+    std::function<void(const std::filesystem::path& package, const std::filesystem::path& copy)>
+        change;
+    Document::Clock clock;
+    std::string message;
+    std::vector<std::string> packagesAfter;
+};
+
+class RefusedSave : public NotebookPackageTest,
+                    public ::testing::WithParamInterface<RefusedSaveCase> {};
+
+TEST_P(RefusedSave, WritesNothing) {
+    m_a.addNote("saved");
+    save(m_a, m_package);
+    m_a.clock = GetParam().clock;
+    open(m_a, m_package);
+    GetParam().change(m_package, m_copy);
+    const std::filesystem::path journal =
+        (std::filesystem::exists(m_package) ? m_package : m_copy) / journalOf(kClientA);
+    const std::string before = std::filesystem::exists(journal) ? readText(journal) : "";
+    m_a.addNote("unsaved");
+
+    auto error = package::saveInPlace(*m_a.document);
+
+    ASSERT_TRUE(error);
+    EXPECT_THAT(error->message, HasSubstr(GetParam().message));
+    EXPECT_EQ(entryNames(m_directory.path()), GetParam().packagesAfter);
+    if (!before.empty()) {
+        EXPECT_EQ(readText(journal), before);
+    }
+}
+
+TimePoint inYear(int year) {
+    return std::chrono::sys_days{std::chrono::year{year} / 1 / 1};
+}
+
+void nothing(const std::filesystem::path&, const std::filesystem::path&) {
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Packages, RefusedSave,
+    ::testing::Values(RefusedSaveCase{"Moved",
+                                      [](const auto& package, const auto& copy) {
+                                          std::filesystem::rename(package, copy);
+                                      },
+                                      {},
+                                      "is no longer at",
+                                      {"Copy.quillery"}},
+                      RefusedSaveCase{"Deleted",
+                                      [](const auto& package, const auto&) {
+                                          std::filesystem::remove_all(package);
+                                      },
+                                      {},
+                                      "moved, renamed or deleted while open",
+                                      {}},
+                      RefusedSaveCase{"Replaced",
+                                      [](const auto& package, const auto& copy) {
+                                          std::filesystem::rename(package, copy);
+                                          std::filesystem::create_directory(package);
+                                      },
+                                      {},
+                                      "replaced while open",
+                                      {"Copy.quillery", "Notes.quillery"}},
+                      RefusedSaveCase{
+                          "OwnJournalIsALink",
+                          [](const auto& package, const auto& copy) {
+                              std::filesystem::create_directory(copy);
+                              const auto journal = package / journalOf(kClientA);
+                              std::filesystem::rename(journal, copy / journalOf(kClientA));
+                              std::filesystem::create_symlink(copy / journalOf(kClientA), journal);
+                          },
+                          {},
+                          "is a symbolic link",
+                          {"Copy.quillery", "Notes.quillery"}},
+                      RefusedSaveCase{"ClockAfter9999",
+                                      nothing,
+                                      [] { return inYear(10000); },
+                                      "after the year 9999",
+                                      {"Notes.quillery"}},
+                      RefusedSaveCase{"ClockBeforeYearOne",
+                                      nothing,
+                                      [] { return inYear(0); },
+                                      "before the year 0001",
+                                      {"Notes.quillery"}}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST_F(NotebookPackageTest, ASaveKeepsPermissionsAndMovesStrayEntriesAside) {
+    using std::filesystem::perms;
+    save(m_a, m_package);
+    const std::filesystem::path journal = m_package / journalOf(kClientA);
+    std::filesystem::permissions(journal, perms::owner_read | perms::owner_write);
+    const Identifier key = m_a.addPictureNote("PIC new");
+    const std::string picture = key.toString() + ".png";
+    for (const auto& stray :
+         {m_package / ("." + kClientA + ".quillery-tmp"),
+          m_package / "images" / ("." + kClientA + "." + picture + ".quillery-tmp")}) {
+        std::filesystem::create_directory(stray);
+        writeText(stray / "kept", "someone's");
+    }
+
+    saveInPlace(m_a);
+
+    EXPECT_EQ(std::filesystem::status(journal).permissions() & perms::all,
+              perms::owner_read | perms::owner_write);
+    for (const auto& folder : {m_package, m_package / "images"}) {
+        const auto names = entryNames(folder);
+        auto aside = std::find_if(names.begin(), names.end(),
+                                  [](const std::string& name) { return name.ends_with(".aside"); });
+        ASSERT_NE(aside, names.end()) << folder;
+        EXPECT_EQ(readText(folder / *aside / "kept"), "someone's");
+    }
+    open(m_a, m_package);
+    EXPECT_TRUE(m_a.document->url(key));
 }
 
 } // namespace

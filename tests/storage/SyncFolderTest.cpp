@@ -89,10 +89,11 @@ INSTANTIATE_TEST_SUITE_P(Names, ConflictCopy,
 // Lists a journal that is renamed away before it is read, as a sync tool replacing it does.
 class VanishingFileSystem : public PosixFileSystem {
 public:
-    std::error_code readFile(const std::filesystem::path& path, FileContents& contents) override {
+    std::error_code readFile(const std::filesystem::path& path, FileContents& contents,
+                             std::uint64_t sizeLimit) override {
         if (path.filename() == "Z.journal")
             return std::make_error_code(std::errc::no_such_file_or_directory);
-        return PosixFileSystem::readFile(path, contents);
+        return PosixFileSystem::readFile(path, contents, sizeLimit);
     }
 };
 
