@@ -2,6 +2,7 @@
 
 #include "app/DocumentPrompts.h"
 #include "app/DocumentWindow.h"
+#include "app/MessageBar.h"
 #include "app/StorageErrorText.h"
 #include "document/Document.h"
 #include "navigation/ColumnRow.h"
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 namespace quillery {
 
@@ -129,7 +131,9 @@ DocumentWindow* DocumentController::openDocument(const std::filesystem::path& lo
         open->activateWindow();
         return open;
     }
+    m_session.setNotebookBeingOpened(qtPath(package));
     ReadResult result = readDocument(package);
+    m_session.setNotebookBeingOpened(QString());
     if (!result.document) {
         m_prompts.warn(dialogParent,
                        tr("The notebook “%1” could not be opened.")
@@ -177,12 +181,25 @@ void DocumentController::openForAnotherStart(const QStringList& packages) {
 }
 
 std::size_t DocumentController::restoreSession() {
+    // Opened again, it would end the app again at every start.
+    const QString failed = m_session.notebookBeingOpened();
+    m_session.setNotebookBeingOpened(QString());
     for (const QString& path : m_session.openNotebooks()) {
         std::error_code error;
-        if (std::filesystem::is_directory(path.toStdString(), error))
+        if (path != failed && std::filesystem::is_directory(path.toStdString(), error))
             openDocument(path.toStdString());
     }
     rememberOpenNotebooks();
+    if (!failed.isEmpty()) {
+        const QString notice =
+            tr("“%1” was not opened again: Quillery ended while opening it last time, perhaps "
+               "for want of memory. Open it with File → Open… to try again.")
+                .arg(QFileInfo(failed).completeBaseName());
+        if (m_windows.empty())
+            m_noticeForNextWindow = notice;
+        else
+            m_windows.front()->messageBar()->showMessage(notice);
+    }
     return m_windows.size();
 }
 
@@ -239,6 +256,8 @@ DocumentWindow* DocumentController::addWindow(std::unique_ptr<Document> document
     auto* window = new DocumentWindow(*this, std::move(document), untitledName);
     placeWindow(*window);
     m_windows.push_back(window);
+    if (!m_noticeForNextWindow.isEmpty())
+        window->messageBar()->showMessage(std::exchange(m_noticeForNextWindow, QString()));
     connect(window, &QObject::destroyed, this, [this, window] { std::erase(m_windows, window); });
     return window;
 }

@@ -50,7 +50,8 @@ public:
     // none, the last window opened comes forward (a new notebook when there is none).
     void openForAnotherStart(const QStringList& packages);
     // Opens the notebooks that were open when the app last ended, passing over those that are
-    // gone; returns how many windows are open then.
+    // gone and the one whose open ended the app last time (the first window then says so);
+    // returns how many windows are open then.
     std::size_t restoreSession();
     // Closes every window once each is ready to (saved, or the user answered); when the user
     // keeps one open, returns false and closes none.
@@ -95,6 +96,8 @@ private:
     RecentDocuments m_recentDocuments;
     SessionState m_session;
     bool m_quitting = false;
+    // Shown in the message bar of the next window made.
+    QString m_noticeForNextWindow;
     AppCommands* m_appCommands = nullptr;
     std::vector<DocumentWindow*> m_windows;
     int m_untitledCount = 0;

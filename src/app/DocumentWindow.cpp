@@ -294,7 +294,7 @@ void DocumentWindow::documentChanged() {
     m_noteCommands->documentChanged();
     updateTitle();
     updateActions();
-    if (m_document->fileLocation() && m_document->hasUnsavedChanges())
+    if (m_document->fileLocation() && m_document->hasUnsavedChanges() && !m_packageGone)
         m_autosaveTimer.start();
 }
 

@@ -95,6 +95,10 @@ private:
     void updateActions();
     void autosave();
     bool saveInPlace();
+    // The package is no longer at the notebook's location: saving in place stops, and the
+    // message bar offers Save As, and saving where the package went when it is found.
+    void packageWentAway();
+    void followPackage(const std::filesystem::path& location);
     bool mayClose();
     // Done in the note editor, when one is open.
     void finishEditing();
@@ -125,6 +129,9 @@ private:
     QTimer m_autosaveTimer;
     // One warning per run of failing autosaves, not one per change.
     bool m_autosaveFailed = false;
+    // Nothing is saved in place until the user chose where (see packageWentAway()).
+    bool m_packageGone = false;
+    QAction* m_followAction = nullptr;
     bool m_shownOnce = false;
     bool m_readyToClose = false;
 };

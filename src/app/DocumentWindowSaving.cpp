@@ -13,8 +13,11 @@
 #include "navigation/ColumnScrollArea.h"
 #include "storage/NotebookPackage.h"
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QFileInfo>
+
+#include <utility>
 
 namespace quillery {
 
@@ -27,7 +30,7 @@ QString qtPath(const std::filesystem::path& path) {
 } // namespace
 
 bool DocumentWindow::save() {
-    if (!m_document->fileLocation())
+    if (!m_document->fileLocation() || m_packageGone)
         return saveAs();
     return saveInPlace();
 }
@@ -49,6 +52,8 @@ bool DocumentWindow::saveAs() {
     }
     m_document->markSaved();
     m_autosaveFailed = false;
+    if (std::exchange(m_packageGone, false))
+        m_messageBar->hide();
     m_controller.recentDocuments().note(qtPath(*m_document->fileLocation()));
     m_controller.rememberOpenNotebooks();
     startLiveMerge();
@@ -107,13 +112,18 @@ void DocumentWindow::closeEvent(QCloseEvent* event) {
 }
 
 void DocumentWindow::autosave() {
-    if (m_document->fileLocation() && m_document->hasUnsavedChanges())
+    if (m_document->fileLocation() && m_document->hasUnsavedChanges() && !m_packageGone)
         saveInPlace();
 }
 
 bool DocumentWindow::saveInPlace() {
     m_autosaveTimer.stop();
     if (auto error = package::saveInPlace(*m_document)) {
+        if (error->domain == storage_errors::kCocoaDomain &&
+            error->code == storage_errors::kNoSuchPackage) {
+            packageWentAway();
+            return false;
+        }
         if (!m_autosaveFailed) {
             m_autosaveFailed = true;
             m_controller.prompts().warn(
@@ -130,6 +140,48 @@ bool DocumentWindow::saveInPlace() {
     return true;
 }
 
+void DocumentWindow::packageWentAway() {
+    m_autosaveTimer.stop();
+    m_liveMerge.reset();
+    m_packageGone = true;
+    delete m_followAction;
+    m_followAction = nullptr;
+    QList<QAction*> offers{m_actions.saveAs};
+    const std::optional<std::filesystem::path> moved = package::movedLocation(*m_document);
+    if (!moved) {
+        m_messageBar->showMessage(
+            tr("“%1” was moved, renamed or deleted while open, so your changes are no longer "
+               "saved. Choose where to keep them with Save As…")
+                .arg(displayName()),
+            offers);
+        return;
+    }
+    const QString movedName = QFileInfo(qtPath(*moved)).completeBaseName();
+    m_followAction = new QAction(tr("Save in “%1”").arg(movedName), this);
+    m_followAction->setObjectName(QStringLiteral("actionFollowMovedNotebook"));
+    connect(m_followAction, &QAction::triggered, this,
+            [this, location = *moved] { followPackage(location); });
+    offers.prepend(m_followAction);
+    m_messageBar->showMessage(tr("“%1” was renamed to “%2” while open, so your changes are no "
+                                 "longer saved. Save them there, or choose another place with "
+                                 "Save As…")
+                                  .arg(displayName(), movedName),
+                              offers);
+}
+
+void DocumentWindow::followPackage(const std::filesystem::path& location) {
+    m_document->setFileLocation(location);
+    m_packageGone = false;
+    m_messageBar->hide();
+    m_controller.recentDocuments().note(qtPath(location));
+    m_controller.rememberOpenNotebooks();
+    startLiveMerge();
+    updateTitle();
+    updateActions();
+    if (m_document->hasUnsavedChanges())
+        saveInPlace();
+}
+
 bool DocumentWindow::mayClose() {
     // A notebook with a place on disk keeps the editor's text and saves without a question; an
     // untitled one asks first, so that Cancel leaves the editor open as it was.
@@ -138,7 +190,7 @@ bool DocumentWindow::mayClose() {
         finishEditing();
     if (!m_document->hasUnsavedChanges() && !(untitled && editorHoldsChange()))
         return true;
-    if (!untitled && saveInPlace())
+    if (!untitled && !m_packageGone && saveInPlace())
         return true;
     switch (m_controller.prompts().askToSaveChanges(this, displayName())) {
     case DocumentPrompts::SaveChoice::Save:

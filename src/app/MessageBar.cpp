@@ -1,5 +1,6 @@
 #include "app/MessageBar.h"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStyle>
@@ -9,7 +10,8 @@ namespace quillery {
 
 MessageBar::MessageBar(QWidget* parent)
     : QFrame(parent)
-    , m_text(new QLabel(this)) {
+    , m_text(new QLabel(this))
+    , m_layout(new QHBoxLayout(this)) {
     setObjectName(QStringLiteral("messageBar"));
     setFrameShape(QFrame::StyledPanel);
     // The tooltip colours stand out from the window in every style without a style sheet.
@@ -27,10 +29,9 @@ MessageBar::MessageBar(QWidget* parent)
     close->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
     close->setToolTip(tr("Close"));
     connect(close, &QToolButton::clicked, this, &QWidget::hide);
-    auto* layout = new QHBoxLayout(this);
-    layout->addWidget(icon, 0, Qt::AlignTop);
-    layout->addWidget(m_text, 1);
-    layout->addWidget(close, 0, Qt::AlignTop);
+    m_layout->addWidget(icon, 0, Qt::AlignTop);
+    m_layout->addWidget(m_text, 1);
+    m_layout->addWidget(close, 0, Qt::AlignTop);
     hide();
 }
 
@@ -38,8 +39,19 @@ QString MessageBar::text() const {
     return m_text->text();
 }
 
-void MessageBar::showMessage(const QString& text) {
+void MessageBar::showMessage(const QString& text, const QList<QAction*>& actions) {
     m_text->setText(text);
+    qDeleteAll(m_buttons);
+    m_buttons.clear();
+    for (QAction* action : actions) {
+        auto* button = new QToolButton(this);
+        button->setObjectName(action->objectName());
+        button->setDefaultAction(action);
+        button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+        // Before the close button, in the order given.
+        m_layout->insertWidget(m_layout->count() - 1, button, 0, Qt::AlignTop);
+        m_buttons.append(button);
+    }
     show();
 }
 

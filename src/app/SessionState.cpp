@@ -9,6 +9,7 @@ namespace quillery {
 namespace {
 
 const QString kOpenNotebooksKey = QStringLiteral("session/openNotebooks");
+const QString kBeingOpenedKey = QStringLiteral("session/beingOpened");
 const QString kLastWindowSizeKey = QStringLiteral("session/lastWindowSize");
 // An array of paths and geometries, the notebook closed most recently first. Paths are not keys
 // of their own because a settings key cannot hold every character a path can.
@@ -38,6 +39,20 @@ QStringList SessionState::openNotebooks() const {
 
 void SessionState::setOpenNotebooks(const QStringList& paths) {
     QSettings().setValue(kOpenNotebooksKey, paths);
+}
+
+QString SessionState::notebookBeingOpened() const {
+    return QSettings().value(kBeingOpenedKey).toString();
+}
+
+void SessionState::setNotebookBeingOpened(const QString& path) {
+    // Written out at once, as the open that follows may be the app's last act.
+    QSettings settings;
+    if (path.isEmpty())
+        settings.remove(kBeingOpenedKey);
+    else
+        settings.setValue(kBeingOpenedKey, path);
+    settings.sync();
 }
 
 QByteArray SessionState::windowGeometry(const QString& path) const {
@@ -101,6 +116,7 @@ void SessionState::setLastWindowSize(QSize size) {
 void SessionState::clear() {
     QSettings settings;
     settings.remove(kOpenNotebooksKey);
+    settings.remove(kBeingOpenedKey);
     settings.remove(kLastWindowSizeKey);
     settings.remove(kPlacesKey);
 }

@@ -21,6 +21,10 @@ public:
 
     QStringList openNotebooks() const;
     void setOpenNotebooks(const QStringList& paths);
+    // The notebook being read while the app opens it, kept until the open ended either way: found
+    // at start, it is one whose open ended the app.
+    QString notebookBeingOpened() const;
+    void setNotebookBeingOpened(const QString& path);
 
     // The window geometry (as QWidget::saveGeometry() gives it) last seen for the notebook;
     // empty when there is none.

@@ -1,5 +1,6 @@
 #include "storage/NotebookPackage.h"
 
+#include "document/Document.h"
 #include "storage/PackageLayout.h"
 #include "storage/PackageReader.h"
 #include "storage/PackageWriter.h"
@@ -65,6 +66,31 @@ std::optional<StorageError> saveInPlace(Document& document, FileSystem& files) {
 std::optional<StorageError> saveTo(Document& document, const std::filesystem::path& location,
                                    FileSystem& files) {
     return PackageWriter(files).saveTo(document, location);
+}
+
+std::optional<std::filesystem::path> movedLocation(const Document& document) {
+    PosixFileSystem files;
+    return movedLocation(document, files);
+}
+
+std::optional<std::filesystem::path> movedLocation(const Document& document, FileSystem& files) {
+    const std::optional<FileIdentity>& opened = document.packageIdentity();
+    if (!document.fileLocation() || !opened)
+        return std::nullopt;
+    std::filesystem::path folder = document.fileLocation()->parent_path();
+    if (folder.empty())
+        folder = ".";
+    std::vector<DirectoryEntry> entries;
+    if (files.listDirectory(folder, entries))
+        return std::nullopt;
+    for (const DirectoryEntry& entry : entries) {
+        if (entry.type != EntryType::directory)
+            continue;
+        const std::optional<FileIdentity> identity = files.identity(folder / entry.name);
+        if (identity && identity->device == opened->device && identity->inode == opened->inode)
+            return folder / entry.name;
+    }
+    return std::nullopt;
 }
 
 std::optional<StorageError> checkNotebookFolder(const std::filesystem::path& location,

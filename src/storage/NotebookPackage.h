@@ -50,6 +50,12 @@ struct PackageSummary {
 std::optional<StorageError> checkNotebookFolder(const std::filesystem::path& location,
                                                 FileSystem& files);
 
+// Where the package the document was read from or last saved to is now, when a save found it
+// gone from its location (moved or renamed within the same folder); nothing when it is not found
+// there.
+std::optional<std::filesystem::path> movedLocation(const Document& document);
+std::optional<std::filesystem::path> movedLocation(const Document& document, FileSystem& files);
+
 // The same operations over a given file layer (tests inject failures through it).
 std::optional<StorageError> read(Document& document, const std::filesystem::path& location,
                                  const PictureCodec& codec, FileSystem& files,

@@ -1,5 +1,6 @@
 #include "QtPrinters.h"
 #include "app/AppFixture.h"
+#include "app/MessageBar.h"
 #include "navigation/ColumnRow.h"
 
 #include <QApplication>
@@ -83,6 +84,23 @@ TEST_F(DocumentControllerSessionTest, NotebooksGoneSinceAreSkippedWithoutAWord) 
     EXPECT_TRUE(prompts.warnings.empty());
     EXPECT_EQ(controller.session().openNotebooks(),
               QStringList{QString::fromStdString(home.string())});
+}
+
+// With and without another notebook to bring back: the first window says why.
+TEST_F(DocumentControllerSessionTest, ANotebookWhoseOpenEndedTheAppIsNotOpenedAgain) {
+    const QString trip = QString::fromStdString(makePackage("Trip.quillery", {"Flights"}).string());
+    const QString home = QString::fromStdString(makePackage("Home.quillery", {"Roof"}).string());
+    for (const QStringList& open : {QStringList{trip, home}, QStringList{trip}}) {
+        controller.session().setOpenNotebooks(open);
+        controller.session().setNotebookBeingOpened(trip);
+        auto started = restart();
+        EXPECT_EQ(started->restoreSession(), open.size() - 1);
+        DocumentWindow* first =
+            started->windows().empty() ? started->newDocument() : started->windows().front();
+        EXPECT_TRUE(first->messageBar()->isVisible());
+        EXPECT_TRUE(first->messageBar()->text().contains(QStringLiteral("“Trip”")));
+        EXPECT_TRUE(started->session().notebookBeingOpened().isEmpty());
+    }
 }
 
 TEST_F(DocumentControllerSessionTest, ANotebookSavedUnderANewNameComesBackUnderIt) {

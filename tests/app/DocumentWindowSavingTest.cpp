@@ -1,10 +1,12 @@
 #include "app/AppFixture.h"
 #include "app/DocumentWindow.h"
+#include "app/MessageBar.h"
 #include "columns/NoteEditorPanel.h"
 #include "columns/NoteTextEdit.h"
 
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QToolButton>
 
 #include <fstream>
 
@@ -32,9 +34,9 @@ TEST_F(DocumentWindowSavingTest, AFailingAutosaveWarnsOnceAndKeepsTheChanges) {
     const auto location = makePackage("Gone.quillery", {"Flights"});
     DocumentWindow& window = *controller.openDocument(location);
     window.setAutosaveDelay(1ms);
-    // A plain file where the package was: nothing can be written into it.
-    std::filesystem::remove_all(location);
-    std::ofstream(location) << "in the way";
+    // A plain file where the pictures folder was: the package cannot be saved.
+    std::filesystem::remove_all(location / "images");
+    std::ofstream(location / "images") << "in the way";
     addNote(window, "Hotels");
     EXPECT_TRUE(QTest::qWaitFor([&] { return !prompts.warnings.empty(); }));
     addNote(window, "Museums");
@@ -43,6 +45,53 @@ TEST_F(DocumentWindowSavingTest, AFailingAutosaveWarnsOnceAndKeepsTheChanges) {
     EXPECT_TRUE(prompts.warnings[0].text.contains(QStringLiteral("Gone")));
     EXPECT_TRUE(window.document().hasUnsavedChanges());
 }
+
+// A notebook moved or deleted while open is never made anew at its old place: saving stops, and
+// the message bar offers to save where it went, when that is found, or elsewhere.
+struct GoneCase {
+    const char* name;
+    bool moved;
+    const char* button;
+    const char* savedAs;
+
+    friend void PrintTo(const GoneCase& c, std::ostream* out) { *out << c.name; }
+};
+
+class PackageGoneTest : public AppFixture, public ::testing::WithParamInterface<GoneCase> {};
+
+TEST_P(PackageGoneTest, StopsSavingUntilTheUserSaysWhere) {
+    const auto location = makePackage("Trip.quillery", {"Flights"});
+    DocumentWindow& window = *controller.openDocument(location);
+    window.setAutosaveDelay(1ms);
+    if (GetParam().moved)
+        std::filesystem::rename(location, path("Voyage.quillery"));
+    else
+        std::filesystem::remove_all(location);
+    addNote(window, "Hotels");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.messageBar()->isVisible(); }));
+    addNote(window, "Museums");
+    QTest::qWait(30);
+    EXPECT_FALSE(std::filesystem::exists(location));
+    EXPECT_TRUE(prompts.warnings.empty());
+
+    prompts.saveLocation = path("Kept.quillery");
+    auto* button =
+        window.messageBar()->findChild<QToolButton*>(QString::fromLatin1(GetParam().button));
+    ASSERT_NE(button, nullptr);
+    QTest::mouseClick(button, Qt::LeftButton);
+
+    EXPECT_FALSE(window.messageBar()->isVisible());
+    EXPECT_EQ(window.document().fileLocation(), path(GetParam().savedAs));
+    EXPECT_EQ(textsOnDisk(path(GetParam().savedAs)),
+              (std::vector<std::string>{"Flights", "Hotels", "Museums"}));
+    EXPECT_FALSE(std::filesystem::exists(location));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Saving, PackageGoneTest,
+    ::testing::Values(GoneCase{"Renamed", true, "actionFollowMovedNotebook", "Voyage.quillery"},
+                      GoneCase{"Deleted", false, "actionSaveAs", "Kept.quillery"}),
+    [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(DocumentWindowSavingTest, AnUntitledNotebookIsNotSavedBehindTheUsersBack) {
     DocumentWindow& window = *controller.newDocument();

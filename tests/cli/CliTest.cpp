@@ -71,6 +71,8 @@ TEST_F(CliTest, PackageFailuresExitWithOneAndExplain) {
     EXPECT_EQ(missing.out, "");
     EXPECT_EQ(missing.err, "quillery-cli: The notebook “Notes.quillery” doesn't exist.\n"
                            "  (NSCocoaErrorDomain 260)\n");
+    EXPECT_EQ(run({"add", m_package, "--text", "t"}).exitCode, kPackageFailure);
+    EXPECT_FALSE(std::filesystem::exists(m_package));
 
     std::filesystem::create_directory(m_package);
     std::ofstream(std::filesystem::path(m_package) / "X.journal") << R"({"diffs": [1]})";
@@ -82,6 +84,12 @@ TEST_F(CliTest, PackageFailuresExitWithOneAndExplain) {
         EXPECT_THAT(malformed.err, HasSubstr("“X.journal”")) << arguments.front();
     }
     EXPECT_EQ(run({"new", m_package}).exitCode, kPackageFailure);
+    // Refused by its size alone: the sparse file is never read.
+    std::filesystem::resize_file(std::filesystem::path(m_package) / "X.journal",
+                                 std::uintmax_t{5} << 30);
+    Outcome huge = run({"info", m_package});
+    EXPECT_EQ(huge.exitCode, kPackageFailure);
+    EXPECT_THAT(huge.err, HasSubstr("journal “X.journal” is too large to read"));
 }
 
 struct BadUsage {

@@ -398,6 +398,8 @@ struct RefusedSaveCase {
     Document::Clock clock;
     std::string message;
     std::vector<std::string> packagesAfter;
+
+    friend void PrintTo(const RefusedSaveCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class RefusedSave : public NotebookPackageTest,
