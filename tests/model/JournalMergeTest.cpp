@@ -65,7 +65,8 @@ TEST_P(OnePassMerge, GivesTheListOfAStableSortByTime) {
 
 INSTANTIATE_TEST_SUITE_P(Journals, OnePassMerge,
                          testing::Values(MergeCase{3, 16, 3, false}, MergeCase{5, 7, 2, false},
-                                         MergeCase{4, 64, 1, false}, MergeCase{3, 16, 3, true}));
+                                         MergeCase{4, 64, 1, false}, MergeCase{3, 16, 3, true},
+                                         MergeCase{300, 40, 1, false}));
 
 // Copies of one client's journal, written as "second:note=text" records.
 struct UnionCase {
