@@ -125,6 +125,9 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST_F(NotebookPackageTest, ANewNotebookSavesAnEmptyJournalAndAnImagesFolder) {
+    auto untitled = package::saveInPlace(*m_a.document);
+    ASSERT_TRUE(untitled);
+    EXPECT_THAT(untitled->message, HasSubstr("not been saved"));
     save(m_a, m_package);
     EXPECT_THAT(entryNames(m_package), ElementsAre(journalOf(kClientA), "images"));
     std::string journal = readText(m_package / journalOf(kClientA));
@@ -329,22 +332,6 @@ TEST_F(NotebookPackageTest, SavingOverAnotherPackageReplacesItWhole) {
     EXPECT_EQ(entryNames(m_directory.path()), std::vector<std::string>{"Copy.quillery"});
 }
 
-TEST_F(NotebookPackageTest, SavesThatCannotBeMadeFailAndKeepTheOldJournal) {
-    auto untitled = package::saveInPlace(*m_a.document);
-    ASSERT_TRUE(untitled);
-    EXPECT_THAT(untitled->message, HasSubstr("not been saved"));
-
-    m_a.addNote("fine");
-    save(m_a, m_package);
-    const std::string before = readText(m_package / journalOf(kClientA));
-    m_a.addNote("bad \xFF byte");
-    auto error = package::saveInPlace(*m_a.document);
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->code, 3851);
-    EXPECT_EQ(readText(m_package / journalOf(kClientA)), before);
-    EXPECT_THAT(entryNames(m_package), ElementsAre(journalOf(kClientA), "images"));
-}
-
 // The file layer with little memory left, or none at all for a journal's bytes.
 class ScarceMemoryFileSystem : public PosixFileSystem {
 public:
@@ -398,6 +385,7 @@ struct RefusedSaveCase {
     Document::Clock clock;
     std::string message;
     std::vector<std::string> packagesAfter;
+    std::string unsavedText = "unsaved";
 
     friend void PrintTo(const RefusedSaveCase& c, std::ostream* out) { *out << c.name; }
 };
@@ -414,7 +402,7 @@ TEST_P(RefusedSave, WritesNothing) {
     const std::filesystem::path journal =
         (std::filesystem::exists(m_package) ? m_package : m_copy) / journalOf(kClientA);
     const std::string before = std::filesystem::exists(journal) ? readText(journal) : "";
-    m_a.addNote("unsaved");
+    m_a.addNote(GetParam().unsavedText);
 
     auto error = package::saveInPlace(*m_a.document);
 
@@ -477,7 +465,13 @@ INSTANTIATE_TEST_SUITE_P(
                                       nothing,
                                       [] { return inYear(0); },
                                       "before the year 0001",
-                                      {"Notes.quillery"}}),
+                                      {"Notes.quillery"}},
+                      RefusedSaveCase{"TextNotUtf8",
+                                      nothing,
+                                      {},
+                                      "a note's text is not valid UTF-8",
+                                      {"Notes.quillery"},
+                                      "bad \xFF byte"}),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(NotebookPackageTest, ASaveKeepsPermissionsAndMovesStrayEntriesAside) {
