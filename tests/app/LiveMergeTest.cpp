@@ -77,7 +77,7 @@ TEST_F(LiveMergeTest, UndoThatWouldTakeNotesAddedElsewhereIsRefusedAndSaysWhy) {
     ASSERT_TRUE(window.save());
     {
         InMemoryPreferences elsewhere;
-        Document other(elsewhere, &codec, [] { return std::chrono::system_clock::now() + 1min; });
+        Document other(elsewhere, &codec, [] { return CurrentTime() + 1min; });
         ASSERT_FALSE(package::read(other, location, codec).has_value());
         const NodePtr mine = other.rootNode()->children()[1];
         other.userDidAdd(*NotebookNode::create(mine->identifier(), "Theirs"), *mine, -1);
