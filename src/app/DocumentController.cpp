@@ -131,10 +131,11 @@ DocumentWindow* DocumentController::openDocument(const std::filesystem::path& lo
         open->activateWindow();
         return open;
     }
+    // Until its window stands: the columns are built from the whole tree too.
     m_session.setNotebookBeingOpened(qtPath(package));
     ReadResult result = readDocument(package);
-    m_session.setNotebookBeingOpened(QString());
     if (!result.document) {
+        m_session.setNotebookBeingOpened(QString());
         m_prompts.warn(dialogParent,
                        tr("The notebook “%1” could not be opened.")
                            .arg(QFileInfo(qtPath(package)).completeBaseName()),
@@ -149,6 +150,7 @@ DocumentWindow* DocumentController::openDocument(const std::filesystem::path& lo
                          [](DocumentWindow* open) { return open->isUntouchedAndUntitled(); });
     DocumentWindow* window = addWindow(std::move(result.document), QString());
     window->show();
+    m_session.setNotebookBeingOpened(QString());
     for (DocumentWindow* open : unused)
         open->close();
     rememberOpenNotebooks();
