@@ -378,11 +378,12 @@ TEST_F(NotebookPackageTest, AJournalTooLargeForMemoryIsRefusedNamingIt) {
 
 // What happens to the package between opening and saving, and the error the save gives instead
 // of writing anything: no package is made anew and the journal on disk stays as it was.
+enum class Change { none, move, remove, replace, linkJournal };
+
 struct RefusedSaveCase {
     const char* name;
-    std::function<void(const std::filesystem::path& package, const std::filesystem::path& copy)>
-        change;
-    Document::Clock clock;
+    Change change;
+    std::optional<int> clockYear;
     std::string message;
     std::vector<std::string> packagesAfter;
     std::string unsavedText = "unsaved";
@@ -394,14 +395,26 @@ class RefusedSave : public NotebookPackageTest,
                     public ::testing::WithParamInterface<RefusedSaveCase> {};
 
 TEST_P(RefusedSave, WritesNothing) {
+    namespace fs = std::filesystem;
     m_a.addNote("saved");
     save(m_a, m_package);
-    m_a.clock = GetParam().clock;
+    if (const std::optional<int> year = GetParam().clockYear) {
+        m_a.clock = [year] {
+            return TimePoint{std::chrono::sys_days{std::chrono::year{*year} / 1 / 1}};
+        };
+    }
     open(m_a, m_package);
-    GetParam().change(m_package, m_copy);
-    const std::filesystem::path journal =
-        (std::filesystem::exists(m_package) ? m_package : m_copy) / journalOf(kClientA);
-    const std::string before = std::filesystem::exists(journal) ? readText(journal) : "";
+    const fs::path journal = m_package / journalOf(kClientA);
+    const std::string before = readText(journal);
+    const Change change = GetParam().change;
+    if (change != Change::none && change != Change::remove)
+        fs::rename(change == Change::linkJournal ? journal : m_package, m_copy);
+    if (change == Change::remove)
+        fs::remove_all(m_package);
+    if (change == Change::replace)
+        fs::create_directory(m_package);
+    if (change == Change::linkJournal)
+        fs::create_symlink(m_copy, journal);
     m_a.addNote(GetParam().unsavedText);
 
     auto error = package::saveInPlace(*m_a.document);
@@ -409,69 +422,39 @@ TEST_P(RefusedSave, WritesNothing) {
     ASSERT_TRUE(error);
     EXPECT_THAT(error->message, HasSubstr(GetParam().message));
     EXPECT_EQ(entryNames(m_directory.path()), GetParam().packagesAfter);
-    if (!before.empty()) {
-        EXPECT_EQ(readText(journal), before);
+    const fs::path kept = change == Change::none          ? journal
+                          : change == Change::linkJournal ? m_copy
+                                                          : m_copy / journalOf(kClientA);
+    if (change != Change::remove) {
+        EXPECT_EQ(readText(kept), before);
     }
-}
-
-TimePoint inYear(int year) {
-    return std::chrono::sys_days{std::chrono::year{year} / 1 / 1};
-}
-
-void nothing(const std::filesystem::path&, const std::filesystem::path&) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Packages, RefusedSave,
-    ::testing::Values(RefusedSaveCase{"Moved",
-                                      [](const auto& package, const auto& copy) {
-                                          std::filesystem::rename(package, copy);
-                                      },
-                                      {},
-                                      "is no longer at",
-                                      {"Copy.quillery"}},
-                      RefusedSaveCase{"Deleted",
-                                      [](const auto& package, const auto&) {
-                                          std::filesystem::remove_all(package);
-                                      },
-                                      {},
-                                      "moved, renamed or deleted while open",
-                                      {}},
-                      RefusedSaveCase{"Replaced",
-                                      [](const auto& package, const auto& copy) {
-                                          std::filesystem::rename(package, copy);
-                                          std::filesystem::create_directory(package);
-                                      },
-                                      {},
-                                      "replaced while open",
-                                      {"Copy.quillery", "Notes.quillery"}},
-                      RefusedSaveCase{
-                          "OwnJournalIsALink",
-                          [](const auto& package, const auto& copy) {
-                              std::filesystem::create_directory(copy);
-                              const auto journal = package / journalOf(kClientA);
-                              std::filesystem::rename(journal, copy / journalOf(kClientA));
-                              std::filesystem::create_symlink(copy / journalOf(kClientA), journal);
-                          },
-                          {},
-                          "is a symbolic link",
-                          {"Copy.quillery", "Notes.quillery"}},
-                      RefusedSaveCase{"ClockAfter9999",
-                                      nothing,
-                                      [] { return inYear(10000); },
-                                      "after the year 9999",
-                                      {"Notes.quillery"}},
-                      RefusedSaveCase{"ClockBeforeYearOne",
-                                      nothing,
-                                      [] { return inYear(0); },
-                                      "before the year 0001",
-                                      {"Notes.quillery"}},
-                      RefusedSaveCase{"TextNotUtf8",
-                                      nothing,
-                                      {},
-                                      "a note's text is not valid UTF-8",
-                                      {"Notes.quillery"},
-                                      "bad \xFF byte"}),
+    ::testing::Values(
+        RefusedSaveCase{"Moved", Change::move, {}, "is no longer at", {"Copy.quillery"}},
+        RefusedSaveCase{"Deleted", Change::remove, {}, "moved, renamed or deleted while open", {}},
+        RefusedSaveCase{"Replaced",
+                        Change::replace,
+                        {},
+                        "replaced while open",
+                        {"Copy.quillery", "Notes.quillery"}},
+        RefusedSaveCase{"OwnJournalIsALink",
+                        Change::linkJournal,
+                        {},
+                        "is a symbolic link",
+                        {"Copy.quillery", "Notes.quillery"}},
+        RefusedSaveCase{
+            "ClockAfter9999", Change::none, 10000, "after the year 9999", {"Notes.quillery"}},
+        RefusedSaveCase{
+            "ClockBeforeYearOne", Change::none, 0, "before the year 0001", {"Notes.quillery"}},
+        RefusedSaveCase{"TextNotUtf8",
+                        Change::none,
+                        {},
+                        "a note's text is not valid UTF-8",
+                        {"Notes.quillery"},
+                        "bad \xFF byte"}),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(NotebookPackageTest, ASaveKeepsPermissionsAndMovesStrayEntriesAside) {
