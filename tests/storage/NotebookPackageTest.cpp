@@ -302,21 +302,42 @@ TEST_F(NotebookPackageTest, AnUnreadablePackageIsAPermissionError) {
     EXPECT_THAT(error->message, HasSubstr("“Notes.quillery”"));
 }
 
-TEST_F(NotebookPackageTest, LeftoverTemporaryFilesNeverBreakOpenOrSave) {
+// Leftovers of a stopped save: this client's files go, another client's stay (it may be writing
+// them), and a folder in the way of a temporary file is moved aside. The journal keeps its
+// permission bits.
+TEST_F(NotebookPackageTest, LeftoversNeverBreakOpenOrSaveAndTheJournalKeepsItsPermissions) {
+    using std::filesystem::perms;
     save(m_a, m_package);
-    std::string ownLeftover = "." + kClientA + ".quillery-tmp";
+    const std::filesystem::path journal = m_package / journalOf(kClientA);
+    std::filesystem::permissions(journal, perms::owner_read | perms::owner_write);
     std::string othersLeftover = "." + kClientB + ".quillery-tmp";
-    writeText(m_package / ownLeftover, "{ half a journ");
     writeText(m_package / othersLeftover, "{ being written");
     writeText(m_package / "images" / ("." + kClientA + ".K.png.quillery-tmp"), "PIC half");
-
     open(m_a, m_package);
     EXPECT_FALSE(m_a.document->url(Identifier("." + kClientA + ".K.quillery-tmp")));
+    const Identifier key = m_a.addPictureNote("PIC new");
+    for (const auto& stray :
+         {m_package / ("." + kClientA + ".quillery-tmp"),
+          m_package / "images" / ("." + kClientA + "." + key.toString() + ".png.quillery-tmp")}) {
+        std::filesystem::create_directory(stray);
+        writeText(stray / "kept", "someone's");
+    }
+
     saveInPlace(m_a);
 
-    EXPECT_THAT(entryNames(m_package), Not(Contains(ownLeftover)));
+    EXPECT_EQ(std::filesystem::status(journal).permissions() & perms::all,
+              perms::owner_read | perms::owner_write);
     EXPECT_THAT(entryNames(m_package), Contains(othersLeftover));
-    EXPECT_TRUE(entryNames(m_package / "images").empty());
+    EXPECT_EQ(entryNames(m_package / "images").size(), 2u); // the picture and the folder aside
+    for (const auto& folder : {m_package, m_package / "images"}) {
+        const auto names = entryNames(folder);
+        auto aside = std::find_if(names.begin(), names.end(),
+                                  [](const std::string& name) { return name.ends_with(".aside"); });
+        ASSERT_NE(aside, names.end()) << folder;
+        EXPECT_EQ(readText(folder / *aside / "kept"), "someone's");
+    }
+    open(m_a, m_package);
+    EXPECT_TRUE(m_a.document->url(key));
     save(m_a, m_copy);
     EXPECT_THAT(entryNames(m_copy), ElementsAre(journalOf(kClientA), "images"));
 }
@@ -456,35 +477,6 @@ INSTANTIATE_TEST_SUITE_P(
                         {"Notes.quillery"},
                         "bad \xFF byte"}),
     [](const auto& test) { return std::string(test.param.name); });
-
-TEST_F(NotebookPackageTest, ASaveKeepsPermissionsAndMovesStrayEntriesAside) {
-    using std::filesystem::perms;
-    save(m_a, m_package);
-    const std::filesystem::path journal = m_package / journalOf(kClientA);
-    std::filesystem::permissions(journal, perms::owner_read | perms::owner_write);
-    const Identifier key = m_a.addPictureNote("PIC new");
-    const std::string picture = key.toString() + ".png";
-    for (const auto& stray :
-         {m_package / ("." + kClientA + ".quillery-tmp"),
-          m_package / "images" / ("." + kClientA + "." + picture + ".quillery-tmp")}) {
-        std::filesystem::create_directory(stray);
-        writeText(stray / "kept", "someone's");
-    }
-
-    saveInPlace(m_a);
-
-    EXPECT_EQ(std::filesystem::status(journal).permissions() & perms::all,
-              perms::owner_read | perms::owner_write);
-    for (const auto& folder : {m_package, m_package / "images"}) {
-        const auto names = entryNames(folder);
-        auto aside = std::find_if(names.begin(), names.end(),
-                                  [](const std::string& name) { return name.ends_with(".aside"); });
-        ASSERT_NE(aside, names.end()) << folder;
-        EXPECT_EQ(readText(folder / *aside / "kept"), "someone's");
-    }
-    open(m_a, m_package);
-    EXPECT_TRUE(m_a.document->url(key));
-}
 
 } // namespace
 } // namespace quillery::testing
