@@ -28,6 +28,7 @@ JournalChanges readJournalChanges(const std::filesystem::path& package,
         if (mark.count > 0 && !std::binary_search(names.begin(), names.end(), name))
             changes.needsReplay = true; // its records would no longer be replayed
     JournalReader reader;
+    const JournalSizeLimit limit(files);
     for (const std::string& name : names) {
         std::optional<FileIdentity> identity = files.identity(package / name);
         if (!identity)
@@ -38,7 +39,7 @@ JournalChanges readJournalChanges(const std::filesystem::path& package,
             continue;
         FileContents contents;
         bool vanished = false;
-        if (auto error = readJournalFile(files, package, name, contents, vanished)) {
+        if (auto error = readJournalFile(files, limit, package, name, contents, vanished)) {
             changes.error = std::move(error);
             return changes;
         }

@@ -25,15 +25,19 @@ StorageError journalOutOfMemory(const std::string& name) {
                         "There is not enough memory to read the journal " + quoted(name) + "."};
 }
 
-std::optional<StorageError> readJournalFile(FileSystem& files, const std::filesystem::path& package,
+JournalSizeLimit::JournalSizeLimit(FileSystem& files)
+    : availableMemory(files.availableMemory()) {
+    bytes = std::min(kMaximumJournalSize, availableMemory);
+}
+
+std::optional<StorageError> readJournalFile(FileSystem& files, const JournalSizeLimit& limit,
+                                            const std::filesystem::path& package,
                                             const std::string& name, FileContents& contents,
                                             bool& vanished) {
     vanished = false;
-    const std::uint64_t memory = files.availableMemory();
-    const std::uint64_t limit = std::min(kMaximumJournalSize, memory);
     std::error_code error;
     try {
-        error = files.readFile(package / name, contents, limit);
+        error = files.readFile(package / name, contents, limit.bytes);
     } catch (const std::bad_alloc&) {
         return journalOutOfMemory(name);
     }
@@ -46,8 +50,8 @@ std::optional<StorageError> readJournalFile(FileSystem& files, const std::filesy
         const std::string size =
             identity ? gibibytes(static_cast<std::uint64_t>(identity->size)) : "more";
         const std::string reason =
-            limit < kMaximumJournalSize
-                ? "the " + gibibytes(memory) + " of memory available"
+            limit.bytes < kMaximumJournalSize
+                ? "the " + gibibytes(limit.availableMemory) + " of memory available"
                 : "the " + gibibytes(kMaximumJournalSize) + " a journal may hold";
         return StorageError{std::string(storage_errors::kCocoaDomain),
                             storage_errors::kReadTooLarge,

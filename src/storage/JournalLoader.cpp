@@ -18,6 +18,7 @@ std::vector<JournalLoader::Journal> JournalLoader::load(const std::filesystem::p
                                                         const std::vector<std::string>& fileNames) {
     std::vector<Journal> journals(fileNames.size());
     std::atomic<std::size_t> next = 0;
+    const JournalSizeLimit limit(m_files);
     auto work = [&] {
         JournalReader reader;
         FileContents contents; // its memory serves every journal this worker reads
@@ -27,7 +28,7 @@ std::vector<JournalLoader::Journal> JournalLoader::load(const std::filesystem::p
             try {
                 bool vanished = false;
                 journal.error =
-                    readJournalFile(m_files, package, journal.fileName, contents, vanished);
+                    readJournalFile(m_files, limit, package, journal.fileName, contents, vanished);
                 // Renamed or removed since the listing (a sync tool replacing it): not a journal
                 // now.
                 journal.empty = vanished || (!journal.error && contents.size == 0);

@@ -209,10 +209,11 @@ PackageWriter::mergeOwnJournal(Document& document, const std::filesystem::path& 
             names.push_back(entry.name);
     std::vector<std::vector<DocumentDiff>> copies;
     JournalReader reader;
+    const JournalSizeLimit limit(m_files);
     for (const std::string& name : names) {
         FileContents contents;
         bool vanished = false;
-        if (auto error = readJournalFile(m_files, package, name, contents, vanished))
+        if (auto error = readJournalFile(m_files, limit, package, name, contents, vanished))
             return error;
         if (vanished)
             continue;
