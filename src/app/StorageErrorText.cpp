@@ -33,6 +33,11 @@ QString readingAdvice(const StorageError& error) {
                   "the notebook again. Otherwise put back the journal named above from a "
                   "backup, or move it out of the notebook's folder to open the rest.");
     }
+    if (error.domain == kCocoaDomain && error.code == kReadTooLarge) {
+        return tr("Close other programs to free memory and open the notebook again. A journal "
+                  "this large was not written by Quillery: move it out of the notebook's folder "
+                  "to open the rest.");
+    }
     return tr("Check that the disk holding the notebook is connected, then try again.");
 }
 

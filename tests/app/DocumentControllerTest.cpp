@@ -50,7 +50,7 @@ struct FailedOpen {
     const char* name;
     const char* at;
     const char* file;    // made at the path: nothing (""), a file ("."), or one in a folder there
-    const char* content; // of that file
+    const char* content; // of that file; "3 GiB": that many bytes, none of them written
     const char* reason;  // a part of the reason shown
 
     friend void PrintTo(const FailedOpen& c, std::ostream* out) { *out << c.name; }
@@ -66,6 +66,8 @@ TEST_P(FailedOpenTest, ShowsTheReasonAndOpensNothing) {
         std::ofstream(location) << test.content;
     else if (!file.empty() && std::filesystem::create_directories(location))
         std::ofstream(location / file) << test.content;
+    if (std::string_view(test.content) == "3 GiB")
+        std::filesystem::resize_file(location / file, std::uintmax_t{3} << 30);
     EXPECT_EQ(controller.openDocument(location), nullptr);
     EXPECT_TRUE(controller.windows().empty());
     ASSERT_EQ(prompts.warnings.size(), 1u);
@@ -73,6 +75,7 @@ TEST_P(FailedOpenTest, ShowsTheReasonAndOpensNothing) {
     EXPECT_TRUE(prompts.warnings[0].details.contains(QString::fromUtf8(test.reason)))
         << prompts.warnings[0].details.toStdString();
     EXPECT_TRUE(controller.recentDocuments().paths().isEmpty());
+    EXPECT_TRUE(controller.session().notebookBeingOpened().isEmpty());
     if (std::filesystem::is_directory(location)) {
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(location), {}), 1);
     }
@@ -85,7 +88,9 @@ INSTANTIATE_TEST_SUITE_P(Packages, FailedOpenTest,
                                            FailedOpen{"JournalNotJson", "Broken.quillery",
                                                       "A.journal", "{ not json", ""},
                                            FailedOpen{"FolderOfOtherFiles", "Broken", "beach.txt",
-                                                      "sand", "is not a Quillery notebook"}),
+                                                      "sand", "is not a Quillery notebook"},
+                                           FailedOpen{"JournalTooLarge", "Broken.quillery",
+                                                      "A.journal", "3 GiB", "free memory"}),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST_F(DocumentControllerTest, ClosingAllClosesNoneWhenTheUserKeepsOne) {
