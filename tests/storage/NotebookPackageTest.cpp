@@ -229,37 +229,31 @@ TEST_F(NotebookPackageTest, ABackupOfTheOwnJournalIsReadAsAJournalButNotCarried)
     EXPECT_THAT(error->message, HasSubstr(backup));
 }
 
+// Links inside the package are never read, written through or carried; nor are folders.
 TEST_F(NotebookPackageTest, HiddenFilesAreCarriedButFoldersAndLinksAreNot) {
     save(m_a, m_package);
     TemporaryDirectory outside;
-    writeText(outside.path() / "secret.txt", "secret");
+    writeText(outside.path() / "evil.journal", "not even JSON");
+    writeText(outside.path() / "picture.png", "PIC outside");
     writeText(m_package / ".hidden", "hidden bytes");
     writeText(m_package / "README", "readme");
     std::filesystem::create_directory(m_package / "attachments");
     writeText(m_package / "attachments" / "a.txt", "a");
-    std::filesystem::create_symlink(outside.path() / "secret.txt", m_package / "link.txt");
-    std::filesystem::create_symlink(outside.path() / "secret.txt",
+    std::filesystem::create_symlink(outside.path() / "evil.journal", m_package / "x.journal");
+    std::filesystem::create_symlink(outside.path() / "picture.png",
                                     m_package / "images" / "link.png");
 
     open(m_a, m_package);
     save(m_a, m_copy);
 
+    EXPECT_FALSE(m_a.document->url(Identifier("link")));
     EXPECT_THAT(entryNames(m_copy),
                 ElementsAre(".hidden", journalOf(kClientA), "README", "images"));
     EXPECT_EQ(readText(m_copy / ".hidden"), "hidden bytes");
     EXPECT_TRUE(entryNames(m_copy / "images").empty());
-}
-
-TEST_F(NotebookPackageTest, LinksInsideThePackageAreNeverReadNorWrittenThrough) {
-    TemporaryDirectory outside;
-    writeText(outside.path() / "evil.journal", "not even JSON");
-    writeText(outside.path() / "picture.png", "PIC outside");
-    std::filesystem::create_directory(m_package);
-    std::filesystem::create_symlink(outside.path() / "evil.journal", m_package / "x.journal");
+    std::filesystem::remove_all(m_package / "images");
     std::filesystem::create_symlink(outside.path(), m_package / "images");
-
     open(m_a, m_package);
-
     EXPECT_FALSE(m_a.document->url(Identifier("picture")));
     EXPECT_TRUE(package::saveInPlace(*m_a.document));
     EXPECT_THAT(entryNames(outside.path()), ElementsAre("evil.journal", "picture.png"));
