@@ -37,7 +37,7 @@ struct SharedPackage {
     std::size_t bytes = 0;
 
     SharedPackage() {
-        const TimePoint start = std::chrono::system_clock::now() - std::chrono::hours(24 * 30);
+        const TimePoint start = CurrentTime() - std::chrono::hours(24 * 30);
         for (const auto& log :
              testing_support::JournalGenerator(1, testing_support::kMostlyNewNotes)
                  .generate(kRecords, kClients, start)) {

@@ -44,7 +44,7 @@ TEST(PosixFileSystemTest, ReadsEveryFileWholeWithReadablePaddingAfterIt) {
         const std::string bytes = journalOfSize(file.size);
         const auto path = directory.path() / "a.journal";
         std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-        ASSERT_FALSE(files.readFile(path, contents));
+        ASSERT_FALSE(files.readFile(path, contents, file.size)); // the limit is inclusive;
         EXPECT_TRUE(contents.view() == bytes);
         const char* padding = contents.data.get() + contents.size;
         EXPECT_GE(std::accumulate(padding, padding + kFileContentsPadding, 0), 0);
