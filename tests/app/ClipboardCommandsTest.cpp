@@ -55,8 +55,6 @@ struct ClipboardCase {
     // new note opens in the editor; null: not checked.
     const char* selected;
     const char* undo; // the Edit menu's Undo command afterwards, unnamed while an editor is open
-
-    friend void PrintTo(const ClipboardCase& c, std::ostream* out) { *out << c.name; }
 };
 
 const ClipboardCase kClipboardCases[] = {

@@ -8,6 +8,8 @@
 #include <QScreen>
 #include <QTest>
 
+#include <algorithm>
+
 namespace quillery {
 namespace {
 
@@ -57,19 +59,29 @@ TEST_F(DocumentControllerSessionTest, AWindowClosedWhileOthersStayIsGoneButTheLa
     EXPECT_EQ(locations(*started), std::vector{home});
 }
 
-TEST_F(DocumentControllerSessionTest, AQuitTheUserStopsKeepsEveryWindowAndTheSession) {
+// A quit or a Close All stopped at an unsaved notebook keeps every window and the session.
+TEST_F(DocumentControllerSessionTest, AQuitOrCloseAllTheUserStopsKeepsEveryWindowAndTheSession) {
     const auto trip = makePackage("Trip.quillery", {"Flights"});
     controller.openDocument(trip);
     addNote(*controller.newDocument(), "unsaved");
     prompts.saveChoice = DocumentPrompts::SaveChoice::Cancel;
 
     controller.quit();
+    EXPECT_FALSE(controller.closeAll());
     QApplication::processEvents();
 
     EXPECT_EQ(controller.windows().size(), 2u);
-    auto started = restart();
-    EXPECT_EQ(started->restoreSession(), 1u);
-    EXPECT_EQ(locations(*started), std::vector{trip});
+    EXPECT_TRUE(std::ranges::all_of(
+        controller.windows(), [](const DocumentWindow* window) { return window->isVisible(); }));
+    EXPECT_EQ(prompts.savePromptsFor.size(), 2u);
+    {
+        auto started = restart();
+        EXPECT_EQ(started->restoreSession(), 1u);
+        EXPECT_EQ(locations(*started), std::vector{trip});
+    }
+    prompts.saveChoice = DocumentPrompts::SaveChoice::Discard;
+    EXPECT_TRUE(controller.closeAll());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return controller.windows().empty(); }));
 }
 
 // Trip is passed over at start: gone since, without a word; or its open ended the app last time,
@@ -99,17 +111,6 @@ TEST_F(DocumentControllerSessionTest, NotebooksGoneOrWhoseOpenEndedTheAppArePass
         EXPECT_TRUE(started->session().notebookBeingOpened().isEmpty());
     }
     EXPECT_TRUE(prompts.warnings.empty());
-}
-
-TEST_F(DocumentControllerSessionTest, ANotebookSavedUnderANewNameComesBackUnderIt) {
-    DocumentWindow* window = controller.newDocument();
-    addNote(*window, "draft");
-    prompts.saveLocation = path("Draft.quillery");
-
-    ASSERT_TRUE(window->saveAs());
-
-    EXPECT_EQ(controller.session().openNotebooks(),
-              QStringList{QString::fromStdString(path("Draft.quillery").string())});
 }
 
 TEST_F(DocumentControllerSessionTest,

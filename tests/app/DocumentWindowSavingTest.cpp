@@ -53,8 +53,6 @@ struct GoneCase {
     bool moved;
     const char* button;
     const char* savedAs;
-
-    friend void PrintTo(const GoneCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class PackageGoneTest : public AppFixture, public ::testing::WithParamInterface<GoneCase> {};
@@ -102,6 +100,7 @@ TEST_F(DocumentWindowSavingTest, AnUntitledNotebookIsNotSavedBehindTheUsersBack)
     EXPECT_FALSE(window.document().fileLocation().has_value());
 }
 
+// Save As takes the new name for the window and for the next start.
 TEST_F(DocumentWindowSavingTest, SaveAsWritesTheWholePackageAndTakesItsName) {
     DocumentWindow& window = *controller.newDocument();
     addNote(window, "draft");
@@ -111,6 +110,8 @@ TEST_F(DocumentWindowSavingTest, SaveAsWritesTheWholePackageAndTakesItsName) {
     EXPECT_FALSE(window.isWindowModified());
     EXPECT_EQ(textsOnDisk(path("Drafts.quillery")), std::vector<std::string>{"draft"});
     EXPECT_TRUE(action(window, "actionRevert").isEnabled());
+    EXPECT_EQ(controller.session().openNotebooks(),
+              QStringList{QString::fromStdString(path("Drafts.quillery").string())});
 }
 
 TEST_F(DocumentWindowSavingTest, ClosingAChangedUntitledNotebookAsksAndCanBeCancelled) {

@@ -21,13 +21,13 @@ struct KeyCase {
     const char* selected; // in the focused column afterwards
     int depth;            // of the focused column
     const char* undo;     // the Edit menu's Undo command afterwards
-
-    friend void PrintTo(const KeyCase& c, std::ostream* out) { *out << c.name; }
 };
 
-// Alt+Shift and an arrow moves the note; an arrow alone moves the keyboard.
+// Alt+Shift and an arrow moves the note; an arrow alone, or Ctrl+N and Ctrl+P in a column before
+// the window's New Notebook, moves the keyboard.
 const KeyCase kKeyCases[] = {
     {"RightAndLeftMoveTheKeyboard", "Right Left Right", "A(a1 a2) B C", "a1", 1, "&Undo"},
+    {"ControlNAndPStepInTheColumn", "Ctrl+N Ctrl+N Ctrl+P", "A(a1 a2) B C", "B", 0, "&Undo"},
     {"DownAmongSiblings", "Alt+Shift+Down", "B A(a1 a2) C", "A", 0, "&Undo Reorder Note"},
     {"UpFromTheTopStays", "Alt+Shift+Up", "A(a1 a2) B C", "A", 0, "&Undo"},
     {"UpAndDownAgain", "Down Down Alt+Shift+Up Alt+Shift+Up", "C A(a1 a2) B", "C", 0,
@@ -55,6 +55,7 @@ TEST_P(KeyCommands, ChangeTheOutlineAndTheSelectionFollows) {
     ASSERT_NE(column->selectedNode(), nullptr);
     EXPECT_EQ(column->selectedNode()->text(), test.selected);
     EXPECT_EQ(action(*window, "actionUndo").text(), QString::fromLatin1(test.undo));
+    EXPECT_EQ(controller.windows().size(), 1u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, KeyCommands, ::testing::ValuesIn(kKeyCases),

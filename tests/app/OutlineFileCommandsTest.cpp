@@ -29,8 +29,6 @@ struct ImportCase {
     const char* content;
     const char* outline;
     const char* warning; // the warning's details, or null for none
-
-    friend void PrintTo(const ImportCase& c, std::ostream* out) { *out << c.name; }
 };
 
 const ImportCase kImports[] = {

@@ -1,12 +1,9 @@
 #include "ColumnTestSupport.h"
 #include "columns/NoteTextEdit.h"
 
-#include <QAction>
 #include <QDir>
 #include <QFile>
-#include <QLineEdit>
 #include <QTemporaryDir>
-#include <QVBoxLayout>
 
 #include <optional>
 
@@ -45,8 +42,6 @@ struct KeyCase {
     const char* keys;
     int row; // selected afterwards; -1: the add button has the focus
     const char* asked;
-
-    friend void PrintTo(const KeyCase& c, std::ostream* out) { *out << c.name; }
 };
 
 const KeyCase kKeyCases[] = {
@@ -54,7 +49,6 @@ const KeyCase kKeyCases[] = {
     {"DownOnTheLastRowGoesToTheButton", 2, "Down Down", -1, "x"},
     {"UpOnTheButtonSelectsTheLastRow", -1, "Up", 2, ""},
     {"UpOnTheFirstRowStays", 0, "Up", 0, ""},
-    {"ControlNAndPStepLikeDownAndUp", 0, "Ctrl+N Ctrl+N Ctrl+N Ctrl+P Ctrl+P", 1, "x"},
     {"LeftAndRightAskForTheNeighbours", 0, "Left Right Right", 0, "<>>"},
     {"LeftFromTheButtonToo", -1, "Left", -1, "<"},
     {"TypingChangesNothing", 1, "C A B", 1, ""},
@@ -78,13 +72,18 @@ TEST_P(ColumnKeys, MoveTheSelectionTheFocusOrAskTheRow) {
 INSTANTIATE_TEST_SUITE_P(Keys, ColumnKeys, ::testing::ValuesIn(kKeyCases),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
-TEST_F(NoteColumnTest, TakingTheFocusSelectsTheFirstRowOrTheButtonOfAnEmptyColumn) {
+// The label of an empty column follows the notes the document adds and takes away.
+TEST_F(NoteColumnTest, AnEmptyColumnFocusesTheButtonAndSaysSoUntilANoteComes) {
     open(parent, 0);
     EXPECT_TRUE(addButton()->hasFocus());
     EXPECT_TRUE(emptyLabel()->isVisible());
     EXPECT_EQ(emptyLabel()->text(), QStringLiteral("No notes yet"));
     column->setDepth(1);
     EXPECT_EQ(emptyLabel()->text(), QStringLiteral("No sub-notes yet"));
+    const NodePtr only = add(parent, "a");
+    EXPECT_FALSE(emptyLabel()->isVisible());
+    document.userDidMove(*only, *document.deletedRootNode());
+    EXPECT_TRUE(emptyLabel()->isVisible());
     openWith({"a"});
     EXPECT_EQ(heard->selected, std::vector<NodePtr>{parent->children()[0]});
 }
@@ -101,8 +100,6 @@ struct OpenCase {
     const char* note;
     const char* gesture;
     Shown shown;
-
-    friend void PrintTo(const OpenCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class OpeningNotes : public NoteColumnTest, public ::testing::WithParamInterface<OpenCase> {
@@ -173,8 +170,6 @@ struct DeleteCase {
     bool answer; // to "Are you sure?"
     int confirmations;
     const char* left;
-
-    friend void PrintTo(const DeleteCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class DeletingNotes : public NoteColumnTest, public ::testing::WithParamInterface<DeleteCase> {};
@@ -208,8 +203,6 @@ struct QuestionCase {
     int children;
     int grandchildren; // under the first child
     const char* question;
-
-    friend void PrintTo(const QuestionCase& c, std::ostream* out) { *out << c.question; }
 };
 
 class DeleteQuestion : public NoteColumnTest, public ::testing::WithParamInterface<QuestionCase> {};
@@ -243,8 +236,6 @@ struct AddCase {
     const char* how; // "add", "beneath", or a key on the add button
     const char* typed;
     const char* texts;
-
-    friend void PrintTo(const AddCase& c, std::ostream* out) { *out << c.name; }
 };
 
 class AddingNotes : public NoteColumnTest, public ::testing::WithParamInterface<AddCase> {};
@@ -334,33 +325,6 @@ TEST_F(NoteColumnTest, AColumnWithoutANoteDoesNothing) {
     column->takeFocus();
     EXPECT_EQ(column->temporaryNode(), nullptr);
     EXPECT_EQ(column->listView()->model()->rowCount(), 0);
-}
-
-// The window's File > New takes Ctrl+N everywhere except inside a column.
-TEST_F(NoteColumnTest, ControlNInAColumnBeatsTheWindowShortcut) {
-    add(parent, "a");
-    add(parent, "b");
-    QWidget window;
-    auto* layout = new QVBoxLayout(&window);
-    auto* field = new QLineEdit(&window);
-    layout->addWidget(field);
-    NoteColumn* own = makeColumn(parent).release();
-    layout->addWidget(own);
-    int newDocuments = 0;
-    auto* newAction = new QAction(&window);
-    newAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
-    window.addAction(newAction);
-    QObject::connect(newAction, &QAction::triggered, [&] { ++newDocuments; });
-    window.show();
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    own->takeFocus();
-    pressKeys("Ctrl+N");
-    EXPECT_EQ(own->selectedRow(), 1);
-    EXPECT_EQ(newDocuments, 0);
-    field->setFocus();
-    pressKeys("Ctrl+N");
-    EXPECT_EQ(newDocuments, 1);
 }
 
 } // namespace

@@ -50,12 +50,8 @@ protected:
     int windowUndos = 0;
 };
 
-TEST_F(NoteEditorPanelTest, ShowsTheTextAsStoredWithTheFocusInIt) {
-    EXPECT_EQ(text().toPlainText().toStdString(), note->text());
-    EXPECT_TRUE(text().hasFocus());
-}
-
 TEST_F(NoteEditorPanelTest, ControlReturnReportsTheWholeTextAndEscapeCancels) {
+    EXPECT_TRUE(text().hasFocus());
     editor->finish();
     QTest::keyClicks(&text(), QStringLiteral("!"));
     QTest::keyClick(&text(), Qt::Key_Return, Qt::ControlModifier);

@@ -27,8 +27,6 @@ struct Offer {
     const char* name;
     void (*fill)(QMimeData& data);
     std::optional<QColor> colour;
-
-    friend void PrintTo(const Offer& c, std::ostream* out) { *out << c.name; }
 };
 
 class PictureFromMimeDataTest : public ::testing::TestWithParam<Offer> {};

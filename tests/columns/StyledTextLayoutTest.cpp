@@ -18,8 +18,6 @@ struct Drawn {
     const char* text;
     const char* fonts;
     const char* lines;
-
-    friend void PrintTo(const Drawn& c, std::ostream* out) { *out << c.name; }
 };
 
 class MarkdownDrawing : public ::testing::TestWithParam<Drawn> {};

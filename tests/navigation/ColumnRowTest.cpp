@@ -149,13 +149,5 @@ TEST_F(ColumnRowTest, AColumnsEdgeDraggedOrDoubleClickedSetsItsWidth) {
     EXPECT_EQ(row.chosenWidths()[1], column->width());
 }
 
-TEST_F(ColumnRowTest, ASecondPanelIsRefusedAndDeleted) {
-    row.showPanel(new QWidget, 1);
-    QPointer<QWidget> second = new QWidget;
-    row.showPanel(second, 1);
-    EXPECT_EQ(shown(), "root panel");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return second.isNull(); }));
-}
-
 } // namespace
 } // namespace quillery

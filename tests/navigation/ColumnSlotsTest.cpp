@@ -103,8 +103,6 @@ struct Script {
     const char* steps;
     const char* items;
     const char* log;
-
-    friend void PrintTo(const Script& c, std::ostream* out) { *out << c.name; }
 };
 
 class ColumnSlotsTest : public ::testing::TestWithParam<Script> {};
