@@ -248,7 +248,7 @@ TEST_F(OpenRecentTest, ANotebookThatIsGoneLeavesTheListAndClearMenuEmptiesIt) {
               QStringList{QStringLiteral("[No Recent Notebooks]")});
 }
 
-TEST_F(OpenRecentTest, NamesThatRepeatShowTheirFoldersAndEveryEntryItsPath) {
+TEST_F(OpenRecentTest, NamesThatRepeatShowTheirFolders) {
     std::filesystem::create_directories(path("work"));
     const auto home = makePackage("Trip.quillery", {"Flights"});
     const auto work = makePackage("work/Trip.quillery", {"Meetings"});
@@ -258,9 +258,6 @@ TEST_F(OpenRecentTest, NamesThatRepeatShowTheirFoldersAndEveryEntryItsPath) {
     EXPECT_EQ(entries(window).mid(0, 2),
               (QStringList{QStringLiteral("Trip — ") + folder + QStringLiteral("work"),
                            QStringLiteral("Trip — ") + folder.chopped(1)}));
-    auto* menu = window.findChild<QMenu*>(QStringLiteral("menuOpenRecent"));
-    EXPECT_TRUE(menu->toolTipsVisible());
-    EXPECT_EQ(menu->actions().first()->toolTip(), QString::fromStdString(work.string()));
 }
 
 } // namespace

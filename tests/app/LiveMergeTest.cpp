@@ -19,13 +19,16 @@ class LiveMergeTest : public AppFixture {
 protected:
     // The other installation adds a note at the index of the top level, stamped by its clock: a
     // minute ahead unless told, so that its record comes after everything in the package.
+    // Under the top-level note at "under", when given.
     void addElsewhere(
         const std::filesystem::path& location, const std::string& text, long at,
-        Document::Clock clock = [] { return CurrentTime() + 1min; }) {
+        Document::Clock clock = [] { return CurrentTime() + 1min; }, long under = -1) {
         InMemoryPreferences elsewhere;
         Document other(elsewhere, &codec, std::move(clock));
         ASSERT_FALSE(package::read(other, location, codec).has_value());
-        const NodePtr& root = other.rootNode();
+        const NodePtr& root = under < 0
+                                  ? other.rootNode()
+                                  : other.rootNode()->children()[static_cast<std::size_t>(under)];
         other.userDidAdd(*NotebookNode::create(root->identifier(), text), *root, at);
         ASSERT_FALSE(package::saveInPlace(other).has_value());
     }
@@ -75,14 +78,8 @@ TEST_F(LiveMergeTest, UndoThatWouldTakeNotesAddedElsewhereIsRefusedAndSaysWhy) {
     DocumentWindow& window = *controller.openDocument(location);
     addNote(window, "Mine");
     ASSERT_TRUE(window.save());
-    {
-        InMemoryPreferences elsewhere;
-        Document other(elsewhere, &codec, [] { return CurrentTime() + 1min; });
-        ASSERT_FALSE(package::read(other, location, codec).has_value());
-        const NodePtr mine = other.rootNode()->children()[1];
-        other.userDidAdd(*NotebookNode::create(mine->identifier(), "Theirs"), *mine, -1);
-        ASSERT_FALSE(package::saveInPlace(other).has_value());
-    }
+    addElsewhere(
+        location, "Theirs", -1, [] { return CurrentTime() + 1min; }, 1);
     merge(window);
 
     action(window, "actionUndo").trigger();

@@ -154,7 +154,6 @@ INSTANTIATE_TEST_SUITE_P(
         OpenCase{"DoubleClickEditsText", "text", "double-click", Shown::Editor},
         OpenCase{"SpaceIgnoresText", "text", "Space", Shown::Nothing},
         OpenCase{"ReturnOpensAPicture", "picture", "Return", Shown::Viewer},
-        OpenCase{"DoubleClickOpensAPicture", "picture", "double-click", Shown::Viewer},
         OpenCase{"ReturnPreviewsAPictureNotSavedYet", "unsaved picture", "Return", Shown::Preview},
         OpenCase{"ReturnReportsAMissingFile", "missing picture", "Return", Shown::MissingFile},
         OpenCase{"ReturnReportsThatNoViewerTookIt", "unviewable picture", "Return",

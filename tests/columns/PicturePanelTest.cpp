@@ -45,18 +45,11 @@ protected:
     PicturePanel panel;
 };
 
-class OpeningFitted : public PicturePanelTest, public ::testing::WithParamInterface<QSize> {};
-
-TEST_P(OpeningFitted, AnyPictureOpensScaledToFit) {
-    show(picture(GetParam().width(), GetParam().height()));
-    expectFitted();
-}
-
-INSTANTIATE_TEST_SUITE_P(LargerAndSmaller, OpeningFitted,
-                         ::testing::Values(QSize(1600, 800), QSize(40, 20), QSize(30, 500)));
-
-TEST_F(PicturePanelTest, StaysFittedWhenResizedUntilZoomed) {
-    show(picture(1600, 800));
+TEST_F(PicturePanelTest, OpensAndStaysFittedWhenResizedUntilZoomed) {
+    for (const QSize size : {QSize(40, 20), QSize(30, 500), QSize(1600, 800)}) {
+        show(picture(size.width(), size.height()));
+        expectFitted();
+    }
     panel.resize(700, 500);
     QCoreApplication::processEvents();
     expectFitted();
