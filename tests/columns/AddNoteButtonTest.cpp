@@ -60,12 +60,12 @@ TEST_F(AddNoteButtonTest, ClicksOnAReleaseOverItOfAPressThatStartedOnIt) {
     EXPECT_EQ(clicks.count(), 1);
 }
 
-// Space and Return are pressed through the column; the keypad's Enter clicks too, and letters not.
-TEST_F(AddNoteButtonTest, KeypadEnterClicksAndLettersGoOn) {
+// Space and Return are pressed through the column; other keys, the keypad's Enter too, go on.
+TEST_F(AddNoteButtonTest, KeysOtherThanSpaceAndReturnGoOn) {
     button.setFocus();
     QTest::keyClick(&button, Qt::Key_Enter, Qt::KeypadModifier);
     QTest::keyClick(&button, Qt::Key_A);
-    EXPECT_EQ(clicks.count(), 1);
+    EXPECT_EQ(clicks.count(), 0);
 }
 
 } // namespace

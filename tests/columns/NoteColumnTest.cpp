@@ -88,9 +88,9 @@ TEST_F(NoteColumnTest, AnEmptyColumnFocusesTheButtonAndSaysSoUntilANoteComes) {
     EXPECT_EQ(heard->selected, std::vector<NodePtr>{parent->children()[0]});
 }
 
-// Return, a double-click and Space on a note: text opens in the editor, a picture in the
-// desktop's viewer, or a report says why it did not; Space previews a picture, and so does Return
-// while the notebook has no file to hand the viewer.
+// Return and a double-click on a note: text opens in the editor, a picture in the desktop's
+// viewer, or a report says why it did not; Return previews a picture while the notebook has no
+// file to hand the viewer. Space on a picture is followed to its preview through the row.
 enum class Shown { Editor, Viewer, MissingFile, NoViewer, Preview, Nothing };
 
 struct OpenCase {
@@ -157,8 +157,7 @@ INSTANTIATE_TEST_SUITE_P(
         OpenCase{"ReturnPreviewsAPictureNotSavedYet", "unsaved picture", "Return", Shown::Preview},
         OpenCase{"ReturnReportsAMissingFile", "missing picture", "Return", Shown::MissingFile},
         OpenCase{"ReturnReportsThatNoViewerTookIt", "unviewable picture", "Return",
-                 Shown::NoViewer},
-        OpenCase{"SpacePreviewsAPicture", "picture", "Space", Shown::Preview}),
+                 Shown::NoViewer}),
     [](const auto& testCase) { return std::string(testCase.param.name); });
 
 // Deleting from a column of a, (an empty note), c: notes with content are confirmed first.
