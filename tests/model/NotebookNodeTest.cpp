@@ -15,27 +15,6 @@ TEST(NotebookNode, EmptinessLooksAtTextAndPictureOnly) {
     EXPECT_FALSE(NotebookNode::create(rootIdentifier(), "", Identifier::makeRandom())->isEmpty());
 }
 
-// A note is recorded by its dictionary and rebuilt from it under the record's identifier.
-TEST(NodeDictionary, RebuildsTheNoteUnderTheRecordsIdentifier) {
-    const Identifier picture = Identifier::makeRandom();
-    for (const NodePtr& note : {NotebookNode::create(rootIdentifier(), "text"),
-                                NotebookNode::create(rootIdentifier(), "", picture, "u")}) {
-        const PlainDictionary dictionary = PlainDictionaryFromNotebookNode(*note);
-        EXPECT_EQ(dictionary.size(), note->imageIdentifier() ? 5u : 3u);
-        EXPECT_EQ(dictionary.find("identifier")->identifier(), note->identifier());
-        const Identifier recorded = Identifier::makeRandom();
-        NodePtr rebuilt = NotebookNodeFromPlainDictionary(recorded, dictionary);
-        ASSERT_TRUE(rebuilt);
-        EXPECT_EQ(rebuilt->identifier(), recorded);
-        EXPECT_EQ(PlainDictionaryFromNotebookNode(*rebuilt).find("identifier")->identifier(),
-                  recorded);
-        EXPECT_EQ(rebuilt->text(), note->text());
-        EXPECT_EQ(rebuilt->parentIdentifier(), rootIdentifier());
-        EXPECT_EQ(rebuilt->imageIdentifier(), note->imageIdentifier());
-        EXPECT_EQ(rebuilt->url(), note->url());
-    }
-}
-
 TEST(NodeDictionary, NeedsTextAndParentTextsButToleratesOddOptionalValues) {
     const Identifier id = Identifier::makeRandom();
     EXPECT_FALSE(NotebookNodeFromPlainDictionary(id, {{"parent", "root"}}));
