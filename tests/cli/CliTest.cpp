@@ -49,7 +49,7 @@ TEST_F(CliTest, ExportJsonIsOneObjectWithBothRoots) {
     EXPECT_TRUE(note["image"].error());
 }
 
-TEST_F(CliTest, MarkdownLinksPicturesAndIndentsFurtherLines) {
+TEST_F(CliTest, ExportsLinkOrCopyPicturesAndIndentFurtherLines) {
     std::filesystem::create_directories(std::filesystem::path(m_package) / "images");
     std::ofstream(std::filesystem::path(m_package) / "images" / "K1.png") << "\x89PNG\r\n\x1A\n";
     std::ofstream(std::filesystem::path(m_package) / "C.journal") << R"({"diffs": [
@@ -62,6 +62,13 @@ TEST_F(CliTest, MarkdownLinksPicturesAndIndentsFurtherLines) {
     Outcome info = run({"info", m_package});
     EXPECT_THAT(info.out, HasSubstr("Journals: 1\n  C: 2 records\n"));
     EXPECT_THAT(info.out, HasSubstr("Notes: 2\nDeleted notes: 0\nPictures: 1\nOpened in: "));
+    // A page gets copies of the pictures in a folder beside it.
+    const std::string page = (m_directory / "My Notes.html").string();
+    ASSERT_EQ(run({"export", "--format", "html", "--output", page, m_package}).exitCode, kSuccess);
+    std::stringstream html;
+    html << std::ifstream(page).rdbuf();
+    EXPECT_THAT(html.str(), HasSubstr("<img src=\"My%20Notes_files/K1.png\""));
+    EXPECT_TRUE(std::filesystem::exists(m_directory / "My Notes_files" / "K1.png"));
 }
 
 TEST_F(CliTest, PackageFailuresExitWithOneAndExplain) {
@@ -150,20 +157,6 @@ TEST_F(CliTest, ImportAddsAnOutlineUnderANoteAndExportsItInEveryFormat) {
     html << std::ifstream(page).rdbuf();
     EXPECT_THAT(html.str(), HasSubstr("<li>[Map](https://map.org)\n<ul>\n<li>*pack*\n</li>"));
     EXPECT_THAT(run({"export", "--pretty", m_package}).out, HasSubstr("\"text\" : \"Trip\""));
-}
-
-TEST_F(CliTest, HtmlExportCopiesPicturesBesideThePage) {
-    std::filesystem::create_directories(std::filesystem::path(m_package) / "images");
-    std::ofstream(std::filesystem::path(m_package) / "images" / "K1.png") << "\x89PNG\r\n\x1A\n";
-    std::ofstream(std::filesystem::path(m_package) / "C.journal") << R"({"diffs": [
-        {"timestamp": "2017-03-04T09:15:02GMT", "identifier": "P", "text": "", "parent": "root",
-         "image": "K1"}]})";
-    const std::string page = (m_directory / "My Notes.html").string();
-    ASSERT_EQ(run({"export", "--format", "html", "--output", page, m_package}).exitCode, kSuccess);
-    std::stringstream html;
-    html << std::ifstream(page).rdbuf();
-    EXPECT_THAT(html.str(), HasSubstr("<img src=\"My%20Notes_files/K1.png\""));
-    EXPECT_TRUE(std::filesystem::exists(m_directory / "My Notes_files" / "K1.png"));
 }
 
 struct BadFile {
