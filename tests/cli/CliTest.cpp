@@ -186,7 +186,6 @@ INSTANTIATE_TEST_SUITE_P(
     Files, CliBadImportTest,
     ::testing::Values(BadFile{"broken.opml", "<opml><body>\n<outline text=\"a\">\n</body></opml>",
                               ":3: the XML is not well-formed"},
-                      BadFile{"binary.md", "- a\n- b\n- \xC0\xAF\n", ":3: the text is not UTF-8"},
                       BadFile{"missing.txt", nullptr, ": No such file"}),
     [](const auto& test) { return std::string(test.param.name).substr(0, 6); });
 

@@ -126,13 +126,10 @@ const StylingCase kCases[] = {
     {"EmptyLinkKeepsTheRest", "[text]() and more", {text("text"), text(" and more")}},
     {"EmptyLinkThenSpan", "see [a]() *b*", {text("see "), text("a"), text(" "), text("b", italic)}},
     {"EmptyLinkBeforeParenthesis", "[a]())", {text("a"), text(")")}},
-    {"LineFeed", "a\nb", {text("a"), newline(), text("b")}},
-    {"CarriageReturn", "a\rb", {text("a"), newline(), text("b")}},
-    {"VerticalTab", "a\vb", {text("a"), newline(), text("b")}},
-    {"FormFeed", "a\fb", {text("a"), newline(), text("b")}},
-    {"NextLine", "a\u0085b", {text("a"), newline(), text("b")}},
-    {"LineSeparator", "a\u2028b", {text("a"), newline(), text("b")}},
-    {"ParagraphSeparator", "a\u2029b", {text("a"), newline(), text("b")}},
+    {"EveryLineTerminator",
+     "a\nb\rc\vd\fe\u0085f\u2028g\u2029h",
+     {text("a"), newline(), text("b"), newline(), text("c"), newline(), text("d"), newline(),
+      text("e"), newline(), text("f"), newline(), text("g"), newline(), text("h")}},
     {"UnderlineAfterParagraphSeparator", "T\u2029---", {text("T", h2)}},
     {"OnlyNewlines", "\n\n", {text(" "), newline(), text(" "), newline(), text(" ")}},
     // Whether a marker run opens a span depends on the class of the character after it, which is
@@ -152,11 +149,11 @@ const StylingCase kCases[] = {
     {"MarkersAfterText", "a **", {text("a "), text("**")}},
     {"OnlyHashes", "######", {text("######")}},
     // Bytes that are not UTF-8 each read as U+FFFD.
-    {"StrayContinuationByte", "a\x80z", {text("a\uFFFDz")}},
-    {"TruncatedSequence", "a\xE2\x80", {text("a\uFFFD\uFFFD")}},
-    {"OverlongSlash", "\xC0\xAF", {text("\uFFFD\uFFFD")}},
-    {"EncodedSurrogate", "\xED\xA0\x80", {text("\uFFFD\uFFFD\uFFFD")}},
-    {"PastMaximum", "\xF4\x90\x80\x80", {text("\uFFFD\uFFFD\uFFFD\uFFFD")}},
+    // A stray continuation byte, a truncated sequence, an overlong "/", an encoded surrogate and a
+    // code point past the maximum.
+    {"BytesThatAreNotUtf8",
+     "a\x80z\xE2\x80 \xC0\xAF \xED\xA0\x80 \xF4\x90\x80\x80",
+     {text("a\uFFFDz\uFFFD\uFFFD \uFFFD\uFFFD \uFFFD\uFFFD\uFFFD \uFFFD\uFFFD\uFFFD\uFFFD")}},
     {"BadByteOpensSpan", "a *\xFF*", {text("a "), text("\uFFFD", italic)}},
     {"NulIsAnOrdinaryCharacter", std::string("a\0b", 3), {text(std::string("a\0b", 3))}},
 };

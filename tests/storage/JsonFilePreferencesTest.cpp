@@ -4,7 +4,6 @@
 #include "StorageTestSupport.h"
 #include "base/Diagnostics.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace quillery::testing {
@@ -100,21 +99,6 @@ TEST_F(JsonFilePreferencesTest, ASaveThatFailsAtAnyStepKeepsTheOldFile) {
                 << where;
         }
     }
-}
-
-TEST(JsonFilePreferencesLocation, FollowsXdgConfigHomeElseHome) {
-    const char* oldXdg = std::getenv("XDG_CONFIG_HOME");
-    const std::string savedXdg = oldXdg ? oldXdg : "";
-    setenv("XDG_CONFIG_HOME", "/tmp/xdg", 1);
-    EXPECT_EQ(JsonFilePreferences::defaultLocation(),
-              fs::path("/tmp/xdg/quillery/preferences.json"));
-    unsetenv("XDG_CONFIG_HOME");
-    if (const char* home = std::getenv("HOME")) {
-        EXPECT_EQ(JsonFilePreferences::defaultLocation(),
-                  fs::path(home) / ".config/quillery/preferences.json");
-    }
-    if (oldXdg)
-        setenv("XDG_CONFIG_HOME", savedXdg.c_str(), 1);
 }
 
 // Preferences holding client C, recorded (or not) as made on machine "m1", read on a machine.

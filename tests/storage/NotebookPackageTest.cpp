@@ -130,10 +130,8 @@ TEST_F(NotebookPackageTest, ANewNotebookSavesAnEmptyJournalAndAnImagesFolder) {
     EXPECT_THAT(untitled->message, HasSubstr("not been saved"));
     save(m_a, m_package);
     EXPECT_THAT(entryNames(m_package), ElementsAre(journalOf(kClientA), "images"));
-    std::string journal = readText(m_package / journalOf(kClientA));
-    EXPECT_THAT(journal, HasSubstr("\"schema\" : \"1.0\",\n  \"version\" : 0,\n  \"client\" : \"" +
-                                   kClientA + "\""));
-    EXPECT_THAT(journal, HasSubstr("\"diffs\" : []"));
+    EXPECT_THAT(readText(m_package / journalOf(kClientA)),
+                HasSubstr("\"client\" : \"" + kClientA + "\""));
     EXPECT_FALSE(m_a.document->hasUnsavedChanges());
     EXPECT_EQ(m_a.document->fileLocation(), m_package);
 }
