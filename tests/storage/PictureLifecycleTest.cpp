@@ -82,20 +82,6 @@ TEST_F(PictureLifecycleTest, FirstSaveOfUntitledNotebookKeepsPicturesAndDiskCopy
     EXPECT_THAT(m_a.document->images().newImageData(), IsEmpty());
 }
 
-TEST_F(PictureLifecycleTest, UrlIsKnownOnlyAfterReopening) {
-    saveTo(m_package);
-    Identifier key = m_a.addPictureNote("five");
-    EXPECT_EQ(m_a.document->image(key)->width(), 7);
-    EXPECT_FALSE(m_a.document->url(key));
-    saveInPlace();
-    EXPECT_FALSE(m_a.document->url(key));
-
-    m_a.reopen();
-    ASSERT_FALSE(package::read(*m_a.document, m_package, m_a.codec));
-    EXPECT_EQ(m_a.document->url(key), m_package / "images" / (key.toString() + ".png"));
-    EXPECT_EQ(m_a.document->image(Identifier("unknown"))->width(), -1); // the placeholder
-}
-
 TEST_F(PictureLifecycleTest, SaveAsCarriesStoredPicturesAndWritesNewOnes) {
     saveTo(m_package);
     Identifier stored = m_a.addPictureNote("stored");
