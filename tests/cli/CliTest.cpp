@@ -133,7 +133,6 @@ INSTANTIATE_TEST_SUITE_P(
         BadUsage{"NoQuery", {"find", "PKG"}, "no QUERY given"},
         BadUsage{"BlankQuery", {"find", "PKG", " "}, "the query has no words"},
         BadUsage{"FindFormat", {"find", "PKG", "a", "--format", "xml"}, "unknown format"},
-        BadUsage{"FindOption", {"find", "PKG", "a", "--fuzzy"}, "unknown option --fuzzy"},
         BadUsage{"StyleArgument", {"style", "--bogus"}, "unknown argument '--bogus'"}),
     [](const auto& test) { return std::string(test.param.name); });
 

@@ -56,8 +56,6 @@ TEST_P(ReplayOrder, RecordsWaitForTheNotesTheyNeed) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, ReplayOrder,
     testing::Values(
-        OrderCase{"ChildBeforeParent", {"+b>a", "+a>-"}, "root(a(b())) deleted()", 0},
-        OrderCase{"ChainInReverse", {"+c>b", "+b>a", "+a>-"}, "root(a(b(c()))) deleted()", 0},
         OrderCase{"MoveBeforeItsParent", {"+x>-", "~x>a", "+a>-"}, "root(a(x())) deleted()", 0},
         OrderCase{"EditBeforeCreation", {"=x", "+x>-"}, "root(x'()) deleted()", 0},
         OrderCase{"EditOfAWaitingNote", {"+b>a", "=b", "+a>-"}, "root(a(b'())) deleted()", 0},
