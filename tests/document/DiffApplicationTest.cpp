@@ -10,8 +10,10 @@ const std::string kNoParent(kCouldNotFindParentLine);
 const std::string kIntoItself = "Refusing to move a note into itself.";
 
 // Records applied in turn (written as SmallNotebook::record reads them), and what the tree, the
-// announcements and the diagnostic lines are then. Announcements read "changed", "inserted(-,3)",
-// "destroyed(1,-)", "moved(0,2)" or "reparented(P 1>Q 2)": old and new child indexes and parents.
+// announcements and the diagnostic lines are then. Sound records are replayed by the random
+// sessions too; these are the announcements and the odd records. Announcements read "changed",
+// "inserted(-,3)", "destroyed(1,-)", "moved(0,2)" or "reparented(P 1>Q 2)": old and new child
+// indexes and parents.
 struct ApplyCase {
     const char* name;
     std::vector<const char*> records;
@@ -103,11 +105,6 @@ INSTANTIATE_TEST_SUITE_P(
                   "root(P(a() c()) Q()) deleted()",
                   "destroyed(1,-)",
                   {"Removing node..."}},
-        ApplyCase{"DestroyOfANoteOutsideTheTree",
-                  {"@g text=g parent=@b", "@b destroy=true", "@g destroy=true"},
-                  "root(P(a() c()) Q()) deleted()",
-                  "inserted(-,0) destroyed(1,-)",
-                  {"Removing node...", "Removing node..."}},
         ApplyCase{"RootsStay",
                   {"@root destroy=true", "@deleted parent=@P"},
                   kUnchanged,
@@ -124,16 +121,6 @@ INSTANTIATE_TEST_SUITE_P(
                   "root(P(b() a() c()) Q()) deleted()",
                   "moved(0,1)",
                   {"Bad text.", "Unrecognized diff", "Unrecognized diff"}},
-        ApplyCase{"FirstAfterLast",
-                  {"@a after=@c"},
-                  "root(P(b() c() a()) Q()) deleted()",
-                  "moved(0,2)",
-                  {}},
-        ApplyCase{"LastBeforeFirst",
-                  {"@c before=@a"},
-                  "root(P(c() a() b()) Q()) deleted()",
-                  "moved(2,0)",
-                  {}},
         ApplyCase{"AfterItsPredecessor", {"@b after=@a"}, kUnchanged, "moved(1,1)", {}},
         ApplyCase{"AfterItself",
                   {"@a after=@a"},
@@ -160,11 +147,6 @@ INSTANTIATE_TEST_SUITE_P(
                   {"@x text=x parent=@Q", "@c before=@x parent=@Q"},
                   "root(P(a() b()) Q(c() x())) deleted()",
                   "inserted(-,0) reparented(P 2>Q 0)",
-                  {}},
-        ApplyCase{"DeletingKeepsTheChildren",
-                  {"@x text=x parent=@a", "@a parent=@deleted"},
-                  "root(P(b() c()) Q()) deleted(a(x()))",
-                  "inserted(-,0) reparented(P 0>deleted 0)",
                   {}},
         ApplyCase{"ReparentToAnUnknownParentAppliesTheRest",
                   {"@b parent=nowhere text=B"},

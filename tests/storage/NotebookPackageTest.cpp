@@ -334,17 +334,6 @@ TEST_F(NotebookPackageTest, LeftoversNeverBreakOpenOrSaveAndTheJournalKeepsItsPe
     EXPECT_THAT(entryNames(m_copy), ElementsAre(journalOf(kClientA), "images"));
 }
 
-TEST_F(NotebookPackageTest, SavingOverAnotherPackageReplacesItWhole) {
-    Client b(kClientB);
-    b.addNote("old content");
-    save(b, m_copy);
-    writeText(m_copy / "stray", "x");
-    m_a.addNote("new content");
-    save(m_a, m_copy);
-    EXPECT_THAT(entryNames(m_copy), ElementsAre(journalOf(kClientA), "images"));
-    EXPECT_EQ(entryNames(m_directory.path()), std::vector<std::string>{"Copy.quillery"});
-}
-
 // The file layer with little memory left, or none at all for a journal's bytes.
 class ScarceMemoryFileSystem : public PosixFileSystem {
 public:
