@@ -186,13 +186,5 @@ TEST_F(SmallNotebook, AnEditMadeWhileAnUndoIsAnnouncedIsNeitherJournaledNorUndoa
     EXPECT_EQ(m_document.diffs().size(), 1u);
 }
 
-TEST_F(SmallNotebook, EditsWithoutAnUndoManagerAreJournaled) {
-    m_document.setUndoManager(nullptr);
-    m_document.userDidModify(*a, "x");
-    m_document.add(*newNote(*this, P), *P, -1);
-    EXPECT_EQ(m_document.diffs().size(), 2u);
-    EXPECT_FALSE(m_undoManager.canUndo());
-}
-
 } // namespace
 } // namespace quillery

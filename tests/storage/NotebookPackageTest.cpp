@@ -161,21 +161,6 @@ TEST_F(NotebookPackageTest, ARoundTripGivesTheSameTreeAndLogWithStampsInWholeSec
     EXPECT_FALSE(m_a.document->hasUnsavedChanges());
 }
 
-TEST_F(NotebookPackageTest, UnknownPayloadValuesSurviveASaveVerbatim) {
-    std::filesystem::create_directory(m_package);
-    writeText(m_package / journalOf(kClientA),
-              R"({"diffs": [{"timestamp": "2017-03-04T09:15:02GMT", "identifier": "N1",
-                  "text": "t", "parent": "root", "weight": 1.50, "tags": {"a": [1, null]}}]})");
-    open(m_a, m_package);
-    saveInPlace(m_a);
-
-    std::string journal = readText(m_package / journalOf(kClientA));
-    EXPECT_THAT(journal, HasSubstr("\"weight\" : 1.50"));
-    EXPECT_THAT(journal, HasSubstr("\"tags\" : {\"a\": [1, null]}"));
-    open(m_a, m_package);
-    EXPECT_EQ(topLevelTexts(m_a), std::vector<std::string>{"t"});
-}
-
 // A package written by A, then B, then C, each adding a note: every client, a new one too, reads
 // all of them, and each save carries the other clients' journals byte for byte.
 TEST_F(NotebookPackageTest, EachClientWritesItsOwnJournalAndCarriesTheOthers) {
