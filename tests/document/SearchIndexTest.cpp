@@ -44,7 +44,7 @@ public:
     }
 
     // One change: "edit @x TEXT", "add @parent AT TEXT", "reorder @x AT", "move @x @parent AT",
-    // "delete @x", "undo", "redo", or a record from another installation.
+    // "delete @x", "undo", or a record from another installation.
     void change(const std::string& step) {
         std::istringstream words(step);
         std::string verb, note, rest;
@@ -76,8 +76,6 @@ public:
             m_document.userDidMove(*node(note), *m_document.deletedRootNode());
         } else if (verb == "undo") {
             m_undoManager.undo();
-        } else if (verb == "redo") {
-            m_undoManager.redo();
         } else {
             m_document.applyDiff(record(step), true);
         }
