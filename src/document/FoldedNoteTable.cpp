@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <functional>
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -133,8 +134,24 @@ void FoldedNoteTable::keepMatching(std::string_view word, SlotSet& slots) const 
 }
 
 std::size_t FoldedNoteTable::slotOf(const NotebookNode* node) const {
-    auto found = std::find(m_nodes.begin(), m_nodes.end(), node);
-    return found == m_nodes.end() ? npos : static_cast<std::size_t>(found - m_nodes.begin());
+    if (m_builtByAddress.empty() && m_builtSlots > 0) {
+        m_builtByAddress.reserve(m_builtSlots);
+        for (std::size_t slot = 0; slot < m_builtSlots; ++slot)
+            m_builtByAddress.emplace_back(m_nodes[slot], slot);
+        std::sort(m_builtByAddress.begin(), m_builtByAddress.end(),
+                  [](const auto& a, const auto& b) { return std::less<>()(a.first, b.first); });
+    }
+    const auto built = std::lower_bound(m_builtByAddress.begin(), m_builtByAddress.end(), node,
+                                        [](const auto& entry, const NotebookNode* wanted) {
+                                            return std::less<>()(entry.first, wanted);
+                                        });
+    // A built slot emptied since keeps its entry; its note may stand in an added slot now.
+    if (built != m_builtByAddress.end() && built->first == node && m_nodes[built->second] == node)
+        return built->second;
+    for (std::size_t slot = m_nodes.size(); slot-- > m_builtSlots;)
+        if (m_nodes[slot] == node)
+            return slot;
+    return npos;
 }
 
 void FoldedNoteTable::removeAll(const std::unordered_set<const NotebookNode*>& nodes) {
@@ -227,7 +244,8 @@ std::vector<std::size_t> FoldedNoteTable::firstInOrder(const SlotSet& slots,
 std::size_t FoldedNoteTable::memoryBytes() const {
     return m_buffer.capacity() + m_nodes.capacity() * sizeof(NotebookNode*) +
            m_blockStarts.capacity() * sizeof(std::size_t) + m_addedKeys.capacity() * sizeof(Key) +
-           m_live.memoryBytes() + m_deleted.memoryBytes();
+           m_live.memoryBytes() + m_deleted.memoryBytes() +
+           m_builtByAddress.capacity() * sizeof(m_builtByAddress.front());
 }
 
 } // namespace quillery

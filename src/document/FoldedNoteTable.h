@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace quillery {
@@ -47,7 +48,8 @@ public:
     Key key(std::size_t slot) const {
         return slot < m_builtSlots ? Key{slot} << 32 : m_addedKeys[slot - m_builtSlots];
     }
-    // The slot that holds the note, or npos; a pass over all slots.
+    // The slot that holds the note, or npos: a search of the built slots (sorted by address on
+    // the first call) and a pass over the slots added since.
     std::size_t slotOf(const NotebookNode* node) const;
     // Empties the slots of every note in the set; a pass over all slots.
     void removeAll(const std::unordered_set<const NotebookNode*>& nodes);
@@ -85,6 +87,9 @@ private:
     SlotSet m_deleted;
     std::size_t m_builtSlots = 0;
     std::size_t m_removedBuiltSlots = 0;
+    // The built slots by the address of their note, made when first needed: a live merge adds
+    // thousands of notes, each placed after a neighbour that must be found among a million.
+    mutable std::vector<std::pair<const NotebookNode*, std::size_t>> m_builtByAddress;
 };
 
 } // namespace quillery

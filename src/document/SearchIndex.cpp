@@ -15,6 +15,9 @@ std::size_t rebuildThreshold(const FoldedNoteTable& table) {
 }
 
 constexpr std::size_t kCachedWords = 8;
+// Notes built into the table are 2^32 keys apart; added ones take this much of such a gap.
+constexpr FoldedNoteTable::Key kAddedKeyStep = FoldedNoteTable::Key{1} << 16;
+constexpr std::size_t kRebuildAtOnceBelow = 100'000;
 // Below this share of all notes, candidates are checked one by one instead of scanning the buffer.
 constexpr std::size_t kCheckEachShare = 128;
 
@@ -145,7 +148,7 @@ void SearchIndex::noteChanged(const DocumentUpdate& update) {
     case NodeUpdateType::insertedNode:
     case NodeUpdateType::movedWithinParent:
     case NodeUpdateType::changedParent:
-        reindexSubtree(*update.node);
+        reindexSubtree(*update.node, update.newChildIndex);
         break;
     case NodeUpdateType::destroyedNode:
         removeSubtree(*update.node);
@@ -178,7 +181,7 @@ void SearchIndex::removeSubtree(NotebookNode& top) {
     m_table->removeAll(nodes);
 }
 
-void SearchIndex::reindexSubtree(NotebookNode& top) {
+void SearchIndex::reindexSubtree(NotebookNode& top, std::optional<std::size_t> index) {
     if (&top == m_document.rootNode().get() || &top == m_document.deletedRootNode().get())
         return;
     std::vector<NotebookNode*> subtree;
@@ -187,17 +190,20 @@ void SearchIndex::reindexSubtree(NotebookNode& top) {
     const NotebookNode* root = rootOf(top);
     if (!root)
         return; // the note stands under a note that is no longer in the tree
-    const std::size_t before = m_table->slotOf(precedingNode(top));
+    const std::size_t before = m_table->slotOf(precedingNode(top, index));
     if (before == FoldedNoteTable::npos) {
         startBuild();
         return;
     }
-    // The moved notes take keys spread evenly between their new neighbours'. When the gap is
-    // used up they share a key, slightly out of order until the rebuild this starts is done.
+    // The moved notes take keys between their new neighbours', a small step apart, so that notes
+    // added one after another (a merge brings thousands) leave room for the next instead of
+    // halving it each time. When the gap is used up they share a key, slightly out of order
+    // until the next rebuild: at once for a small table, at the churn threshold for a large one,
+    // whose rebuild walks the whole tree on this thread.
     const FoldedNoteTable::Key low = m_table->key(before);
     const FoldedNoteTable::Key gap = m_table->nextKeyAfter(low) - low;
-    const FoldedNoteTable::Key step = gap / (subtree.size() + 1);
-    if (step == 0)
+    const FoldedNoteTable::Key step = std::min(gap / (subtree.size() + 1), kAddedKeyStep);
+    if (step == 0 && m_table->builtSlots() < kRebuildAtOnceBelow)
         startBuild();
     const bool deleted = root == m_document.deletedRootNode().get();
     FoldedNoteTable::Key key = low;
@@ -217,11 +223,15 @@ const NotebookNode* SearchIndex::rootOf(const NotebookNode& node) const {
     return nullptr;
 }
 
-NotebookNode* SearchIndex::precedingNode(const NotebookNode& node) const {
+NotebookNode* SearchIndex::precedingNode(const NotebookNode& node,
+                                         std::optional<std::size_t> index) const {
     NotebookNode* parent = node.parentNode();
     const auto& siblings = parent->children();
-    auto at = std::find_if(siblings.begin(), siblings.end(),
-                           [&](const NodePtr& sibling) { return sibling.get() == &node; });
+    // The change names the note's place; a parent may have a hundred thousand children.
+    auto at = index && *index < siblings.size() && siblings[*index].get() == &node
+                  ? siblings.begin() + static_cast<std::ptrdiff_t>(*index)
+                  : std::find_if(siblings.begin(), siblings.end(),
+                                 [&](const NodePtr& sibling) { return sibling.get() == &node; });
     if (at == siblings.begin() || at == siblings.end())
         return parent;
     NotebookNode* last = std::prev(at)->get();

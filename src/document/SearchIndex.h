@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -66,10 +67,11 @@ private:
     void takeFinishedBuild();
     void noteChanged(const DocumentUpdate& update);
     void reindexText(NotebookNode& node);
-    void reindexSubtree(NotebookNode& node);
+    // `index` is where the note stands among its siblings, when the change says.
+    void reindexSubtree(NotebookNode& node, std::optional<std::size_t> index = std::nullopt);
     void removeSubtree(NotebookNode& node);
     const NotebookNode* rootOf(const NotebookNode& node) const;
-    NotebookNode* precedingNode(const NotebookNode& node) const;
+    NotebookNode* precedingNode(const NotebookNode& node, std::optional<std::size_t> index) const;
     const SlotSet* cachedSlots(const std::string& word) const;
     const SlotSet& slotsMatching(const std::string& word);
 
