@@ -76,8 +76,8 @@ void SearchIndex::startBuild() {
     if (m_worker.joinable())
         m_worker.join();
     m_building = true;
-    m_editedDuringBuild.clear();
-    m_restructuredDuringBuild = false;
+    m_changesDuringBuild.clear();
+    m_replacedDuringBuild = false;
     m_worker = std::thread([this, snapshot] {
         auto table = std::make_unique<FoldedNoteTable>(*snapshot);
         {
@@ -102,17 +102,18 @@ void SearchIndex::takeFinishedBuild() {
         return;
     m_worker.join();
     m_building = false;
-    if (m_restructuredDuringBuild) {
-        // Notes added or moved meanwhile have no place in the new table yet; the table in use
-        // (if any) followed them, so it goes on serving while the next build runs.
+    if (m_replacedDuringBuild) {
         startBuild();
         return;
     }
+    // The table was built from the tree as it stood when the build began; the changes since
+    // bring it up to date, as they did the table in use.
     m_table = std::move(finished);
     m_wordCache.clear();
-    for (const NodePtr& node : m_editedDuringBuild)
-        reindexText(*node);
-    m_editedDuringBuild.clear();
+    std::vector<DocumentUpdate> changes = std::move(m_changesDuringBuild);
+    m_changesDuringBuild.clear();
+    for (const DocumentUpdate& change : changes)
+        applyToTable(change);
 }
 
 bool SearchIndex::isReady() {
@@ -132,15 +133,24 @@ void SearchIndex::waitUntilReady() {
 
 void SearchIndex::noteChanged(const DocumentUpdate& update) {
     takeFinishedBuild();
-    if (m_building) {
-        if (update.type == NodeUpdateType::changedText)
-            m_editedDuringBuild.push_back(update.node);
-        else
-            m_restructuredDuringBuild = true;
+    if (update.type == NodeUpdateType::reloadedTree) {
+        // The table's notes may be gone with the old tree.
+        m_table.reset();
+        m_replacedDuringBuild = true;
+        startBuild();
+        return;
     }
+    if (m_building)
+        m_changesDuringBuild.push_back(update);
     if (!m_table)
         return;
     m_wordCache.clear();
+    applyToTable(update);
+    if (m_table && m_table->churn() > rebuildThreshold(*m_table))
+        startBuild();
+}
+
+void SearchIndex::applyToTable(const DocumentUpdate& update) {
     switch (update.type) {
     case NodeUpdateType::changedText:
         reindexText(*update.node);
@@ -153,15 +163,9 @@ void SearchIndex::noteChanged(const DocumentUpdate& update) {
     case NodeUpdateType::destroyedNode:
         removeSubtree(*update.node);
         break;
-    default:
-        // Anything else may have replaced the tree: the table's notes may be gone.
-        m_table.reset();
-        m_restructuredDuringBuild = true;
-        startBuild();
-        return;
+    case NodeUpdateType::reloadedTree:
+        break;
     }
-    if (m_table && m_table->churn() > rebuildThreshold(*m_table))
-        startBuild();
 }
 
 void SearchIndex::reindexText(NotebookNode& node) {

@@ -66,6 +66,7 @@ private:
     void startBuild();
     void takeFinishedBuild();
     void noteChanged(const DocumentUpdate& update);
+    void applyToTable(const DocumentUpdate& update);
     void reindexText(NotebookNode& node);
     // `index` is where the note stands among its siblings, when the change says.
     void reindexSubtree(NotebookNode& node, std::optional<std::size_t> index = std::nullopt);
@@ -86,8 +87,10 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_builtCondition;
     std::unique_ptr<FoldedNoteTable> m_finished; // guarded by m_mutex
-    std::vector<NodePtr> m_editedDuringBuild;
-    bool m_restructuredDuringBuild = false;
+    // What changed since the build in progress began (the nodes kept alive until it is taken
+    // up), or that the whole tree was replaced meanwhile.
+    std::vector<DocumentUpdate> m_changesDuringBuild;
+    bool m_replacedDuringBuild = false;
 
     std::vector<std::pair<std::string, SlotSet>> m_wordCache;
 };
